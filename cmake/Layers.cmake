@@ -1,0 +1,43 @@
+# Layers: a folder of src/ is one target, and its headers are reachable only by targets that link it.
+#
+# All includes name the path below src/ ("jet/disk/pager.h"). If src/ itself were an include path, every folder could
+# include every other. So each layer gets an include root of its own in the build tree that holds nothing but a link to
+# the layer's folder, and passes that root on to those who link it. An include of a layer that is not linked fails.
+#
+#   quillon_layer(NAME target FOLDER path/below/src LINKS targets... HEADERS ... SOURCES ... [QT])
+#
+# QT turns on moc and uic. Paths of HEADERS and SOURCES are relative to the folder.
+function(quillon_layer)
+  cmake_parse_arguments(PARSE_ARGV 0 layer "QT" "NAME;FOLDER" "LINKS;PRIVATE_LINKS;HEADERS;SOURCES")
+  set(root ${PROJECT_BINARY_DIR}/layers/${layer_NAME})
+  cmake_path(GET layer_FOLDER PARENT_PATH parent)
+  file(MAKE_DIRECTORY ${root}/${parent})
+  # A folder with subfolders that are layers themselves is linked file by file, so that they stay out of reach.
+  file(MAKE_DIRECTORY ${root}/${layer_FOLDER})
+  set(linked_headers "")
+  foreach(header IN LISTS layer_HEADERS)
+    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${layer_FOLDER}/${header} ${root}/${layer_FOLDER}/${header} SYMBOLIC)
+    list(APPEND linked_headers ${root}/${layer_FOLDER}/${header})
+  endforeach()
+
+  if(layer_SOURCES)
+    add_library(${layer_NAME} STATIC ${layer_SOURCES})
+    set(scope PUBLIC)
+    target_link_libraries(${layer_NAME} PRIVATE quillon_options)
+    if(layer_PRIVATE_LINKS)
+      target_link_libraries(${layer_NAME} PRIVATE ${layer_PRIVATE_LINKS})
+    endif()
+    set_target_properties(${layer_NAME} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    if(layer_QT)
+      # moc reads the headers where they stand in the source tree.
+      target_sources(${layer_NAME} PRIVATE ${layer_HEADERS})
+      set_target_properties(${layer_NAME} PROPERTIES AUTOMOC ON AUTOUIC ON)
+    endif()
+  else()
+    add_library(${layer_NAME} INTERFACE)
+    set(scope INTERFACE)
+  endif()
+  target_sources(${layer_NAME} ${scope} FILE_SET HEADERS BASE_DIRS ${root} FILES ${linked_headers})
+  target_include_directories(${layer_NAME} ${scope} ${root})
+  target_link_libraries(${layer_NAME} ${scope} ${layer_LINKS})
+endfunction()

@@ -1,0 +1,10 @@
+# Warnings are errors everywhere; a target takes them by linking quillon_options.
+add_library(quillon_options INTERFACE)
+target_compile_options(quillon_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+  -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+if(QUILLON_SANITIZE)
+  target_compile_options(quillon_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quillon_options INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,99 @@
+// An Access 2000 file: its catalogue, its tables, and changes to them in transactions.
+#pragma once
+
+#include "jet/disk/file.h"
+#include "jet/schema.h"
+#include "jet/table.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace jet {
+
+/// A fault that check() found.
+struct Fault {
+    PageNumber page = 0; ///< where, as far as a page can be named
+    std::string text;
+};
+
+struct TableEntry {
+    std::string name;
+    bool system = false; ///< a table of the format's or of Access's own
+};
+
+class Database
+{
+public:
+    /// Opens a file. Throws FileNotFound, NotADatabase, UnsupportedVersion, Encoded, Locked, ReadOnly ...
+    [[nodiscard]] static std::unique_ptr<Database> open(FileSystem& fileSystem, const std::string& path,
+                                                        OpenMode mode = OpenMode::ReadWrite);
+    /// Makes a file with the system tables and nothing else. Throws FileExists. `now` becomes the date of creation.
+    [[nodiscard]] static std::unique_ptr<Database> create(FileSystem& fileSystem, const std::string& path, DateTime now);
+
+    Database(const Database&) = delete;
+    Database& operator=(const Database&) = delete;
+    ~Database();
+
+    [[nodiscard]] const std::string& path() const;
+    [[nodiscard]] bool isReadOnly() const;
+
+    // --- Catalogue ---
+    [[nodiscard]] std::vector<TableEntry> tables() const; ///< by name
+    /// The table of that name without regard to case; throws NoSuchObject.
+    [[nodiscard]] Table& table(const std::string& name);
+    [[nodiscard]] bool hasTable(const std::string& name) const;
+    [[nodiscard]] std::vector<SavedQuery> queries() const; ///< by name; hidden ones (names that begin with ~) left out
+    [[nodiscard]] std::vector<Relationship> relationships() const; ///< by name
+    /// Rises with every change of tables' or queries' definitions, also when another program made it.
+    [[nodiscard]] std::uint64_t catalogueVersion() const;
+
+    // --- Changes to the catalogue; each is a transaction of its own unless one is in progress ---
+    void createTable(const TableSpec& spec);
+    void createQuery(const SavedQuery& query);
+    void createRelationship(const Relationship& relationship);
+
+    // --- Reads and transactions ---
+    /// Between beginRead and endRead (they nest) the file does not change under the reader.
+    void beginRead();
+    void endRead();
+    void begin();
+    void commit(); ///< durable when it returns; when it throws, everything is rolled back
+    void rollback();
+    [[nodiscard]] bool inTransaction() const;
+
+    /// The full structural check: every page owned once, usage maps against pages, row directories, index order and
+    /// completeness both ways, counters, catalogue, relationships. Empty when the file is sound. Reads the whole file.
+    [[nodiscard]] std::vector<Fault> check();
+
+private:
+    class Implementation;
+    explicit Database(std::unique_ptr<Implementation> implementation);
+    std::unique_ptr<Implementation> implementation_;
+};
+
+/// Rolls back when destroyed without commit().
+class Transaction
+{
+public:
+    explicit Transaction(Database& database) : database_(&database) { database.begin(); }
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    ~Transaction()
+    {
+        if (database_ != nullptr) {
+            database_->rollback();
+        }
+    }
+    void commit()
+    {
+        Database* database = database_;
+        database_ = nullptr;
+        database->commit();
+    }
+
+private:
+    Database* database_;
+};
+
+} // namespace jet

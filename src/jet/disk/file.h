@@ -1,0 +1,75 @@
+// The engine's whole view of the operating system: files that are read and written at offsets, and the folder they are in.
+#pragma once
+
+#include "jet/disk/bytes.h"
+
+#include <chrono>
+#include <compare>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace jet {
+
+enum class OpenMode {
+    ReadOnly,
+    ReadWrite, ///< throws ReadOnly when the file may only be read
+    Create,    ///< a new file for reading and writing; throws FileExists
+};
+
+/// How much of the file a connection claims. Any number of connections may hold Shared; one of them may besides hold
+/// Reserved (it is preparing a change); Exclusive (it is writing) goes with no other lock at all.
+enum class LockLevel { None, Shared, Reserved, Exclusive };
+
+/// Changes whenever another program may have changed the file's content (its size and time of last change).
+struct FileStamp {
+    std::uint64_t size = 0;
+    std::int64_t changedNanoseconds = 0;
+    auto operator<=>(const FileStamp&) const = default;
+};
+
+/// One open file. All functions throw jet::Error (Io, DiskFull, Locked ...). Closing releases the lock.
+class File
+{
+public:
+    File() = default;
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    virtual ~File() = default;
+
+    /// Fills the whole buffer; reading past the end is an Io error, never a short read.
+    virtual void readAt(std::uint64_t offset, MutableBytes buffer) = 0;
+    /// Writes all bytes; extends the file where needed. Not durable before sync().
+    virtual void writeAt(std::uint64_t offset, ByteView bytes) = 0;
+    [[nodiscard]] virtual std::uint64_t size() = 0;
+    virtual void truncate(std::uint64_t size) = 0;
+    /// Returns when everything written so far, the size included, will survive a loss of power.
+    virtual void sync() = 0;
+
+    /// Moves to the level, up or down. Going up tries again until the patience is over, then throws Locked and
+    /// leaves the level as it was. Belongs to this open file, not to the process: two connections of one process conflict.
+    virtual void lock(LockLevel level, std::chrono::milliseconds patience) = 0;
+    [[nodiscard]] virtual FileStamp stamp() = 0;
+    [[nodiscard]] virtual bool isReadOnly() const = 0;
+};
+
+class FileSystem
+{
+public:
+    FileSystem() = default;
+    FileSystem(const FileSystem&) = delete;
+    FileSystem& operator=(const FileSystem&) = delete;
+    virtual ~FileSystem() = default;
+
+    [[nodiscard]] virtual std::unique_ptr<File> open(const std::string& path, OpenMode mode) = 0;
+    [[nodiscard]] virtual bool exists(const std::string& path) = 0;
+    virtual void remove(const std::string& path) = 0;
+    virtual void rename(const std::string& from, const std::string& to) = 0;
+    /// Makes creations, removals and renames in the folder that holds the path durable.
+    virtual void syncFolderOf(const std::string& path) = 0;
+};
+
+/// The real file system.
+[[nodiscard]] FileSystem& posixFileSystem();
+
+} // namespace jet

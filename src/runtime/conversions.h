@@ -1,0 +1,45 @@
+// Values from text as the user types it, and plain text from values.
+#pragma once
+
+#include "runtime/value.h"
+
+#include <QLocale>
+#include <QString>
+
+#include <optional>
+
+namespace runtime {
+
+/// The locale in force: decimal sign, names of months and weekdays. QLocale() (the user's) unless a test sets another.
+[[nodiscard]] QLocale currentLocale();
+
+/// Whether toDouble would succeed.
+[[nodiscard]] bool isNumeric(const QString& text);
+/// Whether toDate would succeed: day first in every locale (d/m/yyyy, d/mmm/yyyy, d mmm yyyy, yyyy-mm-dd, each with or
+/// without h:mm[:ss], or a time alone); 13 in the month's place is no date. An empty text is no date.
+[[nodiscard]] bool isDate(const QString& text);
+
+// Conversions throw RunTimeError: 13 type mismatch, 94 invalid use of null, 6 overflow.
+[[nodiscard]] double toDouble(const Value& value); ///< text: in the locale in force, blanks around it allowed
+[[nodiscard]] Date toDate(const Value& value);     ///< text: see isDate; a number counts days
+[[nodiscard]] qint32 toLong(const Value& value);   ///< rounds half to even
+[[nodiscard]] qint16 toInteger(const Value& value); ///< rounds half to even
+
+/// A value as plain text: a date-time as dd/mm/yyyy hh:mm:ss, its time left out at exactly midnight; null as ""; a number
+/// in up to 15 significant digits with the decimal sign of the locale in force; true and false as "True" and "False".
+[[nodiscard]] QString toText(const Value& value);
+
+/// Calendar parts of a date, after rounding to the nearest second.
+struct DateParts {
+    int year = 1899;
+    int month = 12;
+    int day = 30;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+};
+[[nodiscard]] DateParts partsOf(Date date);
+/// Null when there is no such day (years 100 to 9999).
+[[nodiscard]] std::optional<Date> dateFromParts(const DateParts& parts);
+
+} // namespace runtime
