@@ -20,16 +20,17 @@ namespace runtime {
 [[nodiscard]] bool isDate(const QString& text);
 
 // Conversions throw RunTimeError: 13 type mismatch, 94 invalid use of null, 6 overflow.
-[[nodiscard]] double toDouble(const Value& value); ///< text: in the locale in force, blanks around it allowed
-[[nodiscard]] Date toDate(const Value& value);     ///< text: see isDate; a number counts days
-[[nodiscard]] qint32 toLong(const Value& value);   ///< rounds half to even
+[[nodiscard]] double toDouble(const Value& value);  ///< text: in the locale in force, blanks around it allowed
+[[nodiscard]] Date toDate(const Value& value);      ///< text: see isDate; a number counts days
+[[nodiscard]] qint32 toLong(const Value& value);    ///< rounds half to even
 [[nodiscard]] qint16 toInteger(const Value& value); ///< rounds half to even
 
-/// A value as plain text: a date-time as dd/mm/yyyy hh:mm:ss, its time left out at exactly midnight; null as ""; a number
-/// in up to 15 significant digits with the decimal sign of the locale in force; true and false as "True" and "False".
+/// A value as plain text: a date-time as dd/mm/yyyy hh:mm:ss, its time left out at exactly midnight; null as ""; a
+/// number in up to 15 significant digits with the decimal sign of the locale in force; true and false as "True" and
+/// "False"; bytes as hexadecimal digits. A date outside the years 100 to 9999 is an overflow (6).
 [[nodiscard]] QString toText(const Value& value);
 
-/// Calendar parts of a date, after rounding to the nearest second.
+/// Calendar parts of a date, after rounding to the nearest second. 6 overflow outside the years 100 to 9999.
 struct DateParts {
     int year = 1899;
     int month = 12;

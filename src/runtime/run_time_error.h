@@ -1,6 +1,7 @@
 // Run-time errors: numbers and words that a user of such a program knows.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <exception>
@@ -32,6 +33,7 @@ enum class ErrorNumber {
     DiskError = 3043,
     DiskFull = 3026,
     UnrecognisedFormat = 3343,
+    ObjectInvalid = 3420,
 };
 
 /// An error that ends the action in progress. The window shows it and the program goes on.
@@ -50,7 +52,8 @@ public:
     [[nodiscard]] const QString& hint() const { return hint_; }
     /// The same error with a hint, for a caller that knows more.
     [[nodiscard]] RunTimeError withHint(const QString& hint) const;
-    /// What the box shows: "Run-time error '3021':", an empty line, the words, and where there is one an empty line and the hint.
+    /// What the box shows: "Run-time error '3021':", an empty line, the words, and where there is one an empty line and
+    /// the hint.
     [[nodiscard]] QString text() const;
     [[nodiscard]] const char* what() const noexcept override;
 

@@ -1,0 +1,207 @@
+#include "runtime/date_text.h"
+
+#include "runtime/conversions.h"
+#include "runtime/date_pattern.h"
+
+#include <cmath>
+
+namespace runtime {
+namespace {
+
+constexpr int kFirstYearOfTheLastCentury = 30; ///< of those written with two digits
+
+struct WrittenNumber {
+    int value = 0;
+    qsizetype digits = 0;
+};
+
+/// Takes parts from the front of a text.
+class DateReader
+{
+public:
+    DateReader(QStringView text, const QLocale& locale) : rest_(text), locale_(locale) {}
+
+    std::optional<Date> read()
+    {
+        DateParts parts;
+        const QStringView start = rest_;
+        if (readTime(parts) && rest_.isEmpty()) {
+            return dateFromParts(parts);
+        }
+        rest_ = start;
+        parts = {};
+        if (!readDay(parts)) {
+            return std::nullopt;
+        }
+        if (!rest_.isEmpty() && !(skipBlanks() && readTime(parts) && rest_.isEmpty())) {
+            return std::nullopt;
+        }
+        return dateFromParts(parts);
+    }
+
+private:
+    bool readDay(DateParts& parts)
+    {
+        const WrittenNumber first = readNumber();
+        if (first.digits == 0 || !skipSeparator() || !readMonth(parts) || !skipSeparator()) {
+            return false;
+        }
+        const WrittenNumber last = readNumber();
+        const bool yearFirst = first.digits == 4;
+        const WrittenNumber& day = yearFirst ? last : first;
+        parts.day = day.value;
+        return day.digits >= 1 && day.digits <= 2 && takeYear(yearFirst ? first : last, parts);
+    }
+
+    static bool takeYear(const WrittenNumber& year, DateParts& parts)
+    {
+        if (year.digits == 2) {
+            parts.year = year.value + (year.value < kFirstYearOfTheLastCentury ? 2000 : 1900);
+            return true;
+        }
+        parts.year = year.value;
+        return year.digits == 4;
+    }
+
+    bool readMonth(DateParts& parts)
+    {
+        if (readMonthName(parts)) {
+            return true;
+        }
+        const WrittenNumber month = readNumber();
+        parts.month = month.value;
+        return month.digits >= 1 && month.digits <= 2;
+    }
+
+    /// Names can hold blanks, dots and digits, so they are looked for whole; the longest that fits is meant.
+    bool readMonthName(DateParts& parts)
+    {
+        qsizetype longest = 0;
+        const auto tryName = [&](QStringView name, int month) {
+            if (name.size() > longest && rest_.startsWith(name, Qt::CaseInsensitive) && endsAtSeparator(name.size())) {
+                longest = name.size();
+                parts.month = month;
+            }
+        };
+        for (const QLocale& locale : {locale_, QLocale::c(), QLocale(QLocale::English, QLocale::UnitedKingdom)}) {
+            for (int month = 1; month <= 12; ++month) {
+                for (const auto form : {QLocale::ShortFormat, QLocale::LongFormat}) {
+                    for (const QString& name :
+                         {locale.monthName(month, form), locale.standaloneMonthName(month, form)}) {
+                        tryName(name, month);
+                        if (name.endsWith(u'.')) {
+                            tryName(QStringView(name).chopped(1), month);
+                        }
+                    }
+                }
+            }
+        }
+        rest_ = rest_.mid(longest);
+        return longest > 0;
+    }
+
+    bool endsAtSeparator(qsizetype position) const
+    {
+        return position < rest_.size() && (isMark(rest_[position]) || rest_[position].isSpace());
+    }
+
+    /// h:mm or h:mm:ss, then AM or PM or neither.
+    bool readTime(DateParts& parts)
+    {
+        const WrittenNumber hour = readNumber();
+        const bool hasMinute = skip(u':');
+        const WrittenNumber minute = readNumber();
+        if (hour.digits < 1 || hour.digits > 2 || !hasMinute || minute.digits != 2) {
+            return false;
+        }
+        parts.hour = hour.value;
+        parts.minute = minute.value;
+        if (skip(u':')) {
+            const WrittenNumber second = readNumber();
+            parts.second = second.value;
+            if (second.digits != 2) {
+                return false;
+            }
+        }
+        return rest_.isEmpty() || readHalfOfDay(parts);
+    }
+
+    bool readHalfOfDay(DateParts& parts)
+    {
+        skipBlanks();
+        const bool afternoon = rest_.compare(u"pm", Qt::CaseInsensitive) == 0;
+        if (!afternoon && rest_.compare(u"am", Qt::CaseInsensitive) != 0) {
+            return false;
+        }
+        rest_ = {};
+        if (parts.hour < 1 || parts.hour > 12) {
+            return false;
+        }
+        parts.hour = parts.hour % 12 + (afternoon ? 12 : 0);
+        return true;
+    }
+
+    /// At most four digits: no part of a date has more, and more would not fit the number.
+    WrittenNumber readNumber()
+    {
+        WrittenNumber number;
+        while (number.digits < 4 && !rest_.isEmpty() && rest_.front().isDigit()) {
+            number.value = number.value * 10 + rest_.front().digitValue();
+            ++number.digits;
+            rest_ = rest_.mid(1);
+        }
+        return number;
+    }
+
+    static bool isMark(QChar character) { return character == u'/' || character == u'-' || character == u'.'; }
+
+    bool skip(QChar character)
+    {
+        if (!rest_.startsWith(character)) {
+            return false;
+        }
+        rest_ = rest_.mid(1);
+        return true;
+    }
+
+    bool skipBlanks()
+    {
+        const qsizetype before = rest_.size();
+        while (!rest_.isEmpty() && rest_.front().isSpace()) {
+            rest_ = rest_.mid(1);
+        }
+        return rest_.size() < before;
+    }
+
+    /// One mark with or without blanks around it, or blanks alone.
+    bool skipSeparator()
+    {
+        const bool blanks = skipBlanks();
+        if (!rest_.isEmpty() && isMark(rest_.front())) {
+            rest_ = rest_.mid(1);
+            skipBlanks();
+            return true;
+        }
+        return blanks;
+    }
+
+    QStringView rest_;
+    const QLocale& locale_;
+};
+
+} // namespace
+
+std::optional<Date> parseDate(QStringView text, const QLocale& locale)
+{
+    return DateReader(text.trimmed(), locale).read();
+}
+
+QString dateToText(Date date)
+{
+    const DateParts parts = partsOf(date);
+    const bool midnight = parts.hour == 0 && parts.minute == 0 && parts.second == 0;
+    return formatDate(date, midnight ? QStringLiteral("dd/mm/yyyy") : QStringLiteral("dd/mm/yyyy hh:nn:ss"),
+                      QLocale::c());
+}
+
+} // namespace runtime

@@ -1,0 +1,92 @@
+#include "runtime/run_time_error.h"
+
+namespace runtime {
+namespace {
+
+QString usualWords(ErrorNumber number)
+{
+    switch (number) {
+    case ErrorNumber::InvalidProcedureCall:
+        return QStringLiteral("Invalid procedure call or argument");
+    case ErrorNumber::Overflow:
+        return QStringLiteral("Overflow");
+    case ErrorNumber::SubscriptOutOfRange:
+        return QStringLiteral("Subscript out of range");
+    case ErrorNumber::DivisionByZero:
+        return QStringLiteral("Division by zero");
+    case ErrorNumber::TypeMismatch:
+        return QStringLiteral("Type mismatch");
+    case ErrorNumber::FileNotFoundOnDisk:
+        return QStringLiteral("File not found");
+    case ErrorNumber::InvalidUseOfNull:
+        return QStringLiteral("Invalid use of Null");
+    case ErrorNumber::PrinterError:
+        return QStringLiteral("Printer error");
+    case ErrorNumber::NoCurrentRecord:
+        return QStringLiteral("No current record.");
+    case ErrorNumber::DuplicateKey:
+        return QStringLiteral("The record would repeat a value that must be unique.");
+    case ErrorNumber::FileNotFound:
+        return QStringLiteral("Could not find file.");
+    case ErrorNumber::DiskFull:
+        return QStringLiteral("Not enough space on disk.");
+    case ErrorNumber::ReadOnly:
+        return QStringLiteral("Cannot update. Database or object is read-only.");
+    case ErrorNumber::DiskError:
+        return QStringLiteral("Disk or network error.");
+    case ErrorNumber::FileInUse:
+        return QStringLiteral("Could not use the file; it is already in use.");
+    case ErrorNumber::CannotOpenFile:
+        return QStringLiteral("Cannot open the file.");
+    case ErrorNumber::NullNotAllowed:
+        return QStringLiteral("An index or primary key cannot contain a Null value.");
+    case ErrorNumber::QuerySyntax:
+        return QStringLiteral("Syntax error in query expression.");
+    case ErrorNumber::UnknownTableOrQuery:
+        return QStringLiteral("Cannot find the input table or query.");
+    case ErrorNumber::FieldTooSmall:
+        return QStringLiteral("The field is too small for the data.");
+    case ErrorNumber::HasRelatedRecords:
+        return QStringLiteral("The record cannot be deleted or changed: related records depend on it.");
+    case ErrorNumber::RelatedRecordRequired:
+        return QStringLiteral("The record cannot be added or changed: a related record is required.");
+    case ErrorNumber::ItemNotFound:
+        return QStringLiteral("Item not found in this collection.");
+    case ErrorNumber::UnrecognisedFormat:
+        return QStringLiteral("Unrecognized database format.");
+    case ErrorNumber::ObjectInvalid:
+        return QStringLiteral("Object invalid or no longer set.");
+    }
+    return QStringLiteral("Application-defined or object-defined error");
+}
+
+} // namespace
+
+RunTimeError::RunTimeError(ErrorNumber number, QString words, QString hint)
+    : number_(number), words_(std::move(words)), hint_(std::move(hint)),
+      what_(QStringLiteral("%1: %2").arg(this->number()).arg(words_).toUtf8())
+{
+}
+
+RunTimeError::RunTimeError(ErrorNumber number) : RunTimeError(number, usualWords(number)) {}
+
+RunTimeError RunTimeError::withHint(const QString& hint) const
+{
+    return RunTimeError(number_, words_, hint);
+}
+
+QString RunTimeError::text() const
+{
+    QString text = QStringLiteral("Run-time error '%1':\n\n").arg(number()) + words_;
+    if (!hint_.isEmpty()) {
+        text += QStringLiteral("\n\n") + hint_;
+    }
+    return text;
+}
+
+const char* RunTimeError::what() const noexcept
+{
+    return what_.constData();
+}
+
+} // namespace runtime
