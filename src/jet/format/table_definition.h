@@ -2,6 +2,7 @@
 #pragma once
 
 #include "jet/disk/pager.h"
+#include "jet/format/row_pointer.h"
 #include "jet/format/value.h"
 
 #include <cstdint>
@@ -11,14 +12,8 @@
 
 namespace jet {
 
-/// Where a row is: its page and its slot there. A row keeps its address for life, also when its data moves.
-struct RowPointer {
-    PageNumber page = 0;
-    std::uint8_t row = 0;
-    auto operator<=>(const RowPointer&) const = default;
-};
-
-/// The language and version whose rules order a text; only 1033 version 0 ("General legacy") can be written in an index.
+/// The language and version whose rules order a text; only 1033 version 0 ("General legacy") can be written in an
+/// index.
 struct SortOrder {
     std::uint16_t language = 1033;
     std::uint8_t version = 0;
@@ -28,16 +23,17 @@ struct SortOrder {
 struct Column {
     std::string name; ///< UTF-8
     ColumnType type = ColumnType::Long;
-    std::uint16_t number = 0;       ///< identity; the bit in the null mask; never reused
-    std::uint16_t variableSlot = 0; ///< variable columns: place in the row's offset table
-    std::uint16_t fixedOffset = 0;  ///< fixed columns: place in the row's fixed part
-    std::uint16_t ordinal = 0;      ///< display order
-    std::uint16_t length = 0;       ///< bytes: width, or the maximum of Text and Binary; 0 for Memo and Ole
-    std::uint8_t flags = 0;         ///< as stored; see the constants below
-    std::uint8_t extraFlags = 0;    ///< as stored; kCompressible
-    SortOrder sortOrder;            ///< Text and Memo
-    std::uint8_t precision = 0;     ///< Numeric
-    std::uint8_t scale = 0;         ///< Numeric
+    std::uint16_t number = 0;            ///< identity; the bit in the null mask; never reused
+    std::uint16_t variableSlot = 0;      ///< variable columns: place in the row's offset table
+    std::uint16_t fixedOffset = 0;       ///< fixed columns: place in the row's fixed part
+    std::uint16_t ordinal = 0;           ///< display order
+    std::uint16_t length = 0;            ///< bytes: width, or the maximum of Text and Binary; 0 for Memo and Ole
+    std::uint8_t flags = 0;              ///< as stored; see the constants below
+    std::uint8_t extraFlags = 0;         ///< as stored; kCompressible
+    SortOrder sortOrder;                 ///< Text and Memo
+    std::uint8_t precision = 0;          ///< Numeric
+    std::uint8_t scale = 0;              ///< Numeric
+    std::vector<std::uint8_t> preserved; ///< the descriptor as read, for its unknown bytes; empty for a new column
 
     static constexpr std::uint8_t kFixed = 0x01;
     static constexpr std::uint8_t kOrdinary = 0x02;
@@ -66,7 +62,8 @@ struct RealIndex {
     RowPointer pages;               ///< the usage map of the tree's pages
     PageNumber root = 0;            ///< never changes
     std::uint8_t flags = 0;
-    std::uint32_t distinctKeys = 0; ///< a statistic: keys ever inserted
+    std::uint32_t distinctKeys = 0;      ///< a statistic: keys ever inserted
+    std::vector<std::uint8_t> preserved; ///< both its blocks as read, for their unknown bytes; empty for a new index
 
     static constexpr std::uint8_t kUnique = 0x01;
     static constexpr std::uint8_t kIgnoreNulls = 0x02;
@@ -88,10 +85,11 @@ struct LogicalIndex {
     std::uint32_t realIndex = 0; ///< position in TableDefinition::realIndexes
     Kind kind = Kind::Ordinary;
     Role role = Role::None;
-    std::int32_t otherIndexNumber = -1; ///< relationships: the logical index in the other table
-    PageNumber otherTable = 0;          ///< relationships: the other table's definition page
-    std::uint8_t cascadeUpdates = 0;    ///< as stored: bit 0
-    std::uint8_t cascadeDeletes = 0;    ///< as stored: bit 0 delete, bit 1 set null
+    std::int32_t otherIndexNumber = -1;  ///< relationships: the logical index in the other table
+    PageNumber otherTable = 0;           ///< relationships: the other table's definition page
+    std::uint8_t cascadeUpdates = 0;     ///< as stored: bit 0
+    std::uint8_t cascadeDeletes = 0;     ///< as stored: bit 0 delete, bit 1 set null
+    std::vector<std::uint8_t> preserved; ///< the block as read, for its unknown bytes; empty for a new index
 };
 
 /// The usage maps of one Memo or Ole column's pages.
@@ -108,7 +106,7 @@ struct TableDefinition {
     std::uint32_t rowCount = 0;
     std::int32_t lastAutoNumber = 0;
     std::uint8_t kind = kUserTable;
-    std::uint16_t maximumColumns = 0;        ///< columns ever created
+    std::uint16_t maximumColumns = 0;         ///< columns ever created
     std::uint16_t maximumVariableColumns = 0; ///< variable columns ever created
     RowPointer ownedPages;
     RowPointer pagesWithSpace;
@@ -116,7 +114,7 @@ struct TableDefinition {
     std::vector<RealIndex> realIndexes;
     std::vector<LogicalIndex> logicalIndexes;
     std::vector<LongValueMaps> longValues;
-    std::vector<std::uint8_t> preserved; ///< unknown bytes that are written back as they were (empty for a new table)
+    std::vector<std::uint8_t> preserved; ///< the head as read, for its unknown bytes; empty for a new table
 
     /// The column of that number, or null.
     [[nodiscard]] const Column* columnByNumber(std::uint16_t number) const;

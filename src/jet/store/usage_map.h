@@ -1,4 +1,4 @@
-// Which pages are free, and sets of pages kept in the file (FORMAT.md, "Usage maps").
+// Which pages are free, and sets of pages kept in the file (FORMAT.md, "Usage maps and allocation").
 #pragma once
 
 #include "jet/disk/pager.h"
@@ -18,13 +18,22 @@ public:
     [[nodiscard]] PageNumber allocate(PageNumber after = 0);
     /// Gives the page back: marks its type as freed and the page as free. It must be in no other map any more.
     void free(PageNumber page);
+    /// False for what the map does not tell of: a page in the file counts as used unless the map says that it is free.
     [[nodiscard]] bool isFree(PageNumber page) const;
+
+    /// For a new file that has nothing but its pages 0 and 1: makes page 1 the map page, with both in use. Pages that
+    /// are then allocated follow in order from 2.
+    static void initialize(Pager& pager);
 
 private:
     Pager* pager_;
 };
 
-/// A set of pages, kept in one row of a map page.
+/// Makes that many empty maps, on map pages of their own. Requires a transaction.
+[[nodiscard]] std::vector<RowPointer> createUsageMaps(Pager& pager, std::size_t count);
+
+/// A set of pages, kept in one row of a map page. Reading requires a read, changing a transaction. Throws Corrupt for a
+/// map that contradicts the format.
 class UsageMap
 {
 public:
@@ -33,8 +42,14 @@ public:
     [[nodiscard]] bool contains(PageNumber page) const;
     /// The members in ascending order. Throws Corrupt for a map that names pages past the end of the file.
     [[nodiscard]] std::vector<PageNumber> pages() const;
-    /// The highest member, or 0.
+    /// The highest member, or 0. Costs the same whatever the number of members.
     [[nodiscard]] PageNumber last() const;
+    /// The lowest member above the page, or 0. Throws Corrupt when it is past the end of the file.
+    [[nodiscard]] PageNumber next(PageNumber page) const;
+    /// The highest member below the page, or 0.
+    [[nodiscard]] PageNumber previous(PageNumber page) const;
+    /// The bitmap pages that the map itself takes; they are in no map.
+    [[nodiscard]] std::vector<PageNumber> bitmapPages() const;
     void add(PageNumber page);
     void remove(PageNumber page);
 

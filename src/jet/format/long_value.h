@@ -1,0 +1,31 @@
+// What a row holds of a Memo or Ole value: the value itself when short, else where it is (FORMAT.md, "Long values").
+#pragma once
+
+#include "jet/format/row_pointer.h"
+
+namespace jet {
+
+inline constexpr std::size_t kLongValueDescriptorSize = 12;
+/// Longer values leave the row.
+inline constexpr std::size_t kMaximumInlineLongValue = 52;
+/// A row of a long-value page holds no more than this, the pointer of a chain's part included.
+inline constexpr std::size_t kMaximumLongValueRow = 4076;
+
+struct LongValue {
+    enum class Storage {
+        Inline, ///< the value follows the descriptor
+        OneRow, ///< the value is the whole row at `first`
+        Chain,  ///< each part begins with the pointer to the next
+    };
+    Storage storage = Storage::Inline;
+    std::uint32_t length = 0; ///< of the stored value, in bytes
+    RowPointer first;
+    ByteView inlineBytes; ///< the value, when inline; lies in the slot that was decoded
+};
+
+/// From a variable slot. A slot without bytes is an empty inline value. Throws Corrupt.
+[[nodiscard]] LongValue decodeLongValue(ByteView slot);
+/// The slot's bytes.
+[[nodiscard]] Bytes encodeLongValue(const LongValue& value);
+
+} // namespace jet

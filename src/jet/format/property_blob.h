@@ -1,0 +1,49 @@
+// The properties of a table or query and of its columns (FORMAT.md, "Properties").
+#pragma once
+
+#include "jet/format/value.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace jet {
+
+struct Property {
+    std::string name;        ///< UTF-8
+    bool structural = false; ///< part of the table's design, such as Required
+    std::uint8_t type = 0;   ///< as the column types, mostly
+    Bytes data;              ///< as stored; booleans one byte, texts UTF-16
+};
+
+/// The properties of the object itself (empty name) or of one of its columns.
+struct PropertySet {
+    std::string owner;      ///< UTF-8
+    std::uint16_t kind = 0; ///< as stored: 0 the object, 1 a column; others are kept
+    std::vector<Property> properties;
+
+    [[nodiscard]] const Property* find(std::string_view name) const; ///< or null
+    /// Sets or adds a property.
+    void setText(std::string_view name, std::string_view text, bool structural);
+    void setBoolean(std::string_view name, bool on, bool structural);
+    void setLong(std::string_view name, std::int32_t number, bool structural);
+    /// The property's value when there is one of that type.
+    [[nodiscard]] std::optional<std::string> text(std::string_view name) const;
+    [[nodiscard]] std::optional<bool> boolean(std::string_view name) const;
+};
+
+struct PropertyBlob {
+    std::vector<PropertySet> sets;
+    std::vector<std::string>
+        names; ///< as stored, so that unchanged properties keep their bytes; new ones need not be here
+
+    [[nodiscard]] const PropertySet* find(std::string_view owner) const; ///< or null; "" is the object itself
+    [[nodiscard]] PropertySet& at(std::string_view owner);               ///< made when there is none
+};
+
+/// Nothing at all decodes to no properties. Throws Corrupt.
+[[nodiscard]] PropertyBlob decodePropertyBlob(ByteView bytes);
+[[nodiscard]] Bytes encodePropertyBlob(const PropertyBlob& blob);
+
+} // namespace jet
