@@ -1,5 +1,7 @@
 #include "runtime/run_time_error.h"
 
+#include <utility>
+
 namespace runtime {
 namespace {
 
@@ -18,6 +20,8 @@ QString usualWords(ErrorNumber number)
         return QStringLiteral("Type mismatch");
     case ErrorNumber::FileNotFoundOnDisk:
         return QStringLiteral("File not found");
+    case ErrorNumber::FileAlreadyExists:
+        return QStringLiteral("File already exists");
     case ErrorNumber::InvalidUseOfNull:
         return QStringLiteral("Invalid use of Null");
     case ErrorNumber::PrinterError:
@@ -56,6 +60,36 @@ QString usualWords(ErrorNumber number)
         return QStringLiteral("Unrecognized database format.");
     case ErrorNumber::ObjectInvalid:
         return QStringLiteral("Object invalid or no longer set.");
+    case ErrorNumber::UpdateWithoutEdit:
+        return QStringLiteral("Update or CancelUpdate without AddNew or Edit.");
+    case ErrorNumber::TooFewParameters:
+        return QStringLiteral("Too few parameters. Expected 1.");
+    case ErrorNumber::DuplicateOutputName:
+        return QStringLiteral("Duplicate output alias.");
+    case ErrorNumber::CannotExecuteSelect:
+        return QStringLiteral("Cannot execute a select query.");
+    case ErrorNumber::AmbiguousField:
+        return QStringLiteral("The specified field could refer to more than one table listed in the FROM clause.");
+    case ErrorNumber::UndefinedFunction:
+        return QStringLiteral("Undefined function in expression.");
+    case ErrorNumber::CircularReference:
+        return QStringLiteral("Circular reference.");
+    case ErrorNumber::NotPartOfAggregate:
+        return QStringLiteral("The expression is neither grouped nor part of an aggregate function.");
+    case ErrorNumber::TableToDeleteMissing:
+        return QStringLiteral("Specify the table containing the records you want to delete.");
+    case ErrorNumber::RecordDeleted:
+        return QStringLiteral("Record is deleted.");
+    case ErrorNumber::InvalidOperation:
+        return QStringLiteral("Invalid operation.");
+    case ErrorNumber::UnionColumnsDiffer:
+        return QStringLiteral("The number of columns in the queries of a union do not match.");
+    case ErrorNumber::MoreThanOneRecord:
+        return QStringLiteral("At most one record can be returned by this subquery.");
+    case ErrorNumber::QueryTooComplex:
+        return QStringLiteral("Query is too complex.");
+    case ErrorNumber::CriteriaTypeMismatch:
+        return QStringLiteral("Data type mismatch in criteria expression.");
     }
     return QStringLiteral("Application-defined or object-defined error");
 }
