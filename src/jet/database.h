@@ -13,8 +13,14 @@ namespace jet {
 
 /// A fault that check() found.
 struct Fault {
+    enum class Kind {
+        Damage,   ///< the file contradicts itself: data may be lost, or get lost with the next change
+        Leftover, ///< what other programs leave behind and no reader minds, such as pages that nothing uses and nothing
+                  ///< frees, or stale counters of system tables; a file that only this engine has written has none
+    };
     PageNumber page = 0; ///< where, as far as a page can be named
     std::string text;
+    Kind kind = Kind::Damage;
 };
 
 struct TableEntry {
