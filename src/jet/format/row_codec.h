@@ -1,8 +1,8 @@
-// Rows: column values to and from a row's bytes (FORMAT.md, "Data pages and rows" and "Column types and values").
+// Rows: column values to and from a row's bytes (FORMAT.md, "Data pages and rows").
 #pragma once
 
 #include "jet/format/table_definition.h"
-#include "jet/format/value.h"
+#include "jet/format/value_codec.h"
 
 #include <optional>
 #include <vector>
@@ -53,13 +53,6 @@ private:
     std::size_t fixedEnd_ = 0;    ///< fixed values end here at the latest
     std::size_t variableEnd_ = 0; ///< variable values end here at the latest
 };
-
-/// Decodes the stored bytes of one value of the column. Memo and Ole: the bytes as they are.
-[[nodiscard]] Value decodeValue(const Column& column, ByteView bytes);
-
-/// The stored bytes of a value that is not null, of a column that is neither Boolean, Memo nor Ole. Numbers of another
-/// type are taken when they fit. Throws InvalidArgument (wrong type), Overflow or ValueTooLong, naming the column.
-[[nodiscard]] Bytes encodeValue(const Column& column, const Value& value);
 
 /// Builds a row's bytes, from nothing or from a stored row some of whose values change.
 class RowBuilder

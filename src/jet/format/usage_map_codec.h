@@ -19,7 +19,8 @@ public:
     [[nodiscard]] bool test(std::size_t bit) const;
     /// The first set bit at or after `from`.
     [[nodiscard]] std::optional<std::size_t> firstFrom(std::size_t from) const;
-    [[nodiscard]] std::optional<std::size_t> last() const;
+    /// The last set bit before `end`.
+    [[nodiscard]] std::optional<std::size_t> lastBefore(std::size_t end) const;
 
 private:
     ByteView bytes_;
