@@ -29,8 +29,9 @@ function(quillon_layer)
     endif()
     set_target_properties(${layer_NAME} PROPERTIES POSITION_INDEPENDENT_CODE ON)
     if(layer_QT)
-      # moc reads the headers where they stand in the source tree.
+      # moc reads the headers where they stand in the source tree, and not once more through the links.
       target_sources(${layer_NAME} PRIVATE ${layer_HEADERS})
+      set_source_files_properties(${linked_headers} PROPERTIES SKIP_AUTOMOC ON)
       set_target_properties(${layer_NAME} PROPERTIES AUTOMOC ON AUTOUIC ON)
     endif()
   else()
