@@ -30,7 +30,7 @@ namespace runtime {
 /// "False"; bytes as hexadecimal digits. A date outside the years 100 to 9999 is an overflow (6).
 [[nodiscard]] QString toText(const Value& value);
 
-/// Calendar parts of a date, after rounding to the nearest second. 6 overflow outside the years 100 to 9999.
+/// Calendar parts of a date, after rounding to the nearest second.
 struct DateParts {
     int year = 1899;
     int month = 12;
@@ -39,6 +39,7 @@ struct DateParts {
     int minute = 0;
     int second = 0;
 };
+/// 6 overflow outside the years 100 to 9999.
 [[nodiscard]] DateParts partsOf(Date date);
 /// Null when there is no such day (years 100 to 9999).
 [[nodiscard]] std::optional<Date> dateFromParts(const DateParts& parts);

@@ -6,6 +6,8 @@
 #include <QDate>
 #include <QList>
 
+#include <algorithm>
+
 namespace runtime {
 namespace {
 

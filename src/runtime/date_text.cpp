@@ -3,7 +3,7 @@
 #include "runtime/conversions.h"
 #include "runtime/date_pattern.h"
 
-#include <cmath>
+#include <QStringList>
 
 namespace runtime {
 namespace {
@@ -14,6 +14,21 @@ struct WrittenNumber {
     int value = 0;
     qsizetype digits = 0;
 };
+
+/// Short and full, as they stand beside a day and alone; a short name's dot may be left out.
+QStringList namesOf(int month, const QLocale& locale)
+{
+    QStringList names;
+    for (const auto form : {QLocale::ShortFormat, QLocale::LongFormat}) {
+        names << locale.monthName(month, form) << locale.standaloneMonthName(month, form);
+    }
+    for (const QString& name : QStringList(names)) {
+        if (name.endsWith(u'.')) {
+            names << name.chopped(1);
+        }
+    }
+    return names;
+}
 
 /// Takes parts from the front of a text.
 class DateReader
@@ -73,25 +88,18 @@ private:
         return month.digits >= 1 && month.digits <= 2;
     }
 
-    /// Names can hold blanks, dots and digits, so they are looked for whole; the longest that fits is meant.
+    /// Names can hold blanks, marks and digits ("1-р сар"), so they are looked for whole and before numbers; the
+    /// longest that fits is meant.
     bool readMonthName(DateParts& parts)
     {
         qsizetype longest = 0;
-        const auto tryName = [&](QStringView name, int month) {
-            if (name.size() > longest && rest_.startsWith(name, Qt::CaseInsensitive) && endsAtSeparator(name.size())) {
-                longest = name.size();
-                parts.month = month;
-            }
-        };
         for (const QLocale& locale : {locale_, QLocale::c(), QLocale(QLocale::English, QLocale::UnitedKingdom)}) {
             for (int month = 1; month <= 12; ++month) {
-                for (const auto form : {QLocale::ShortFormat, QLocale::LongFormat}) {
-                    for (const QString& name :
-                         {locale.monthName(month, form), locale.standaloneMonthName(month, form)}) {
-                        tryName(name, month);
-                        if (name.endsWith(u'.')) {
-                            tryName(QStringView(name).chopped(1), month);
-                        }
+                for (const QString& name : namesOf(month, locale)) {
+                    const bool fits = rest_.startsWith(name, Qt::CaseInsensitive) && endsAtSeparator(name.size());
+                    if (fits && name.size() > longest) {
+                        longest = name.size();
+                        parts.month = month;
                     }
                 }
             }
