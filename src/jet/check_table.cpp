@@ -1,0 +1,457 @@
+#include "jet/check_table.h"
+
+#include "jet/disk/error.h"
+#include "jet/format/data_page.h"
+#include "jet/format/index_key.h"
+#include "jet/format/long_value.h"
+#include "jet/store/index_tree.h"
+#include "jet/store/long_value_store.h"
+#include "jet/store/row_store.h"
+#include "jet/store/table_definition_store.h"
+#include "jet/store/usage_map.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace jet {
+
+namespace {
+
+std::string rowText(std::uint8_t row)
+{
+    return "row " + std::to_string(row);
+}
+
+std::string addressText(RowPointer row)
+{
+    return rowText(row.row) + " of page " + std::to_string(row.page);
+}
+
+bool isPrimaryKey(const TableDefinition& definition, std::size_t realIndex)
+{
+    return std::any_of(definition.logicalIndexes.begin(), definition.logicalIndexes.end(),
+                       [&](const LogicalIndex& logical) {
+                           return logical.realIndex == realIndex && logical.kind == LogicalIndex::Kind::PrimaryKey;
+                       });
+}
+
+} // namespace
+
+TableCheck::TableCheck(Pager& pager, FaultList& faults, PageLedger& ledger, std::string name, PageNumber first)
+    : pager_(&pager), faults_(&faults), ledger_(&ledger), name_(std::move(name)), first_(first)
+{
+    owner_ = ledger_->addOwner("table \"" + name_ + "\"");
+}
+
+void TableCheck::damage(PageNumber page, const std::string& text)
+{
+    sound_ = false;
+    faults_->add(page, "Table \"" + name_ + "\": " + text);
+}
+
+void TableCheck::leftover(PageNumber page, const std::string& text)
+{
+    faults_->add(page, "Table \"" + name_ + "\": " + text, Fault::Kind::Leftover);
+}
+
+bool TableCheck::guard(PageNumber page, const std::string& what, const std::function<void()>& function)
+{
+    if (faults_->guard(page, "Table \"" + name_ + "\": " + what, function)) {
+        return true;
+    }
+    sound_ = false;
+    return false;
+}
+
+bool TableCheck::run(const RowSink& sink)
+{
+    if (!loadDefinition()) {
+        return false;
+    }
+    checkDefinition();
+    claimEverything();
+    checkLongValuePages();
+    checkDataPages(sink);
+    checkMovedRows();
+    rowsAreSound_ = sound_;
+    checkUnreferencedLongValues();
+    checkCounters();
+    checkIndexes();
+    return true;
+}
+
+// --- Definition and maps ---------------------------------------------------------------------------------------
+
+bool TableCheck::loadDefinition()
+{
+    const TableDefinitionStore store(*pager_);
+    return guard(first_, "its definition cannot be read", [&] {
+        for (const PageNumber page : store.pages(first_)) {
+            if (!ledger_->claim(page, PageLedger::Use::Definition, owner_)) {
+                throw Error(ErrorCode::Corrupt, page, "a page of the definition has another use");
+            }
+        }
+        definition_ = store.load(first_);
+        layout_.emplace(definition_);
+    });
+}
+
+void TableCheck::checkDefinition()
+{
+    std::vector<std::uint16_t> numbers;
+    for (const Column& column : definition_.columns) {
+        numbers.push_back(column.number);
+        if (column.number >= definition_.maximumColumns) {
+            damage(first_, "the number of column \"" + column.name + "\" is past the count of columns");
+        }
+        if (!column.isFixed() && column.variableSlot >= definition_.maximumVariableColumns) {
+            damage(first_, "the slot of column \"" + column.name + "\" is past the count of variable columns");
+        }
+        const bool hasMaps = std::any_of(definition_.longValues.begin(), definition_.longValues.end(),
+                                         [&](const LongValueMaps& maps) { return maps.columnNumber == column.number; });
+        if (column.isLongValue() && !hasMaps) {
+            damage(first_, "column \"" + column.name + "\" has no maps for its long values");
+        }
+    }
+    std::sort(numbers.begin(), numbers.end());
+    if (std::adjacent_find(numbers.begin(), numbers.end()) != numbers.end()) {
+        damage(first_, "two columns have one number");
+    }
+    for (const LogicalIndex& index : definition_.logicalIndexes) {
+        if (index.realIndex >= definition_.realIndexes.size()) {
+            damage(first_, "index \"" + index.name + "\" is not there");
+        }
+    }
+}
+
+/// The members of a map, once its row and bitmap pages are entered in the ledger.
+std::vector<PageNumber> TableCheck::claimMap(RowPointer map, std::uint32_t owner, const std::string& what)
+{
+    std::vector<PageNumber> members;
+    if (!ledger_->claimMap(map, owner)) {
+        sound_ = false;
+        return members;
+    }
+    guard(map.page, "the map of " + what, [&] {
+        const UsageMap pages(*pager_, map);
+        for (const PageNumber bitmap : pages.bitmapPages()) {
+            if (!ledger_->claim(bitmap, PageLedger::Use::Bitmap, owner)) {
+                sound_ = false;
+            }
+        }
+        members = pages.pages();
+    });
+    return members;
+}
+
+std::vector<PageNumber> TableCheck::claimPages(RowPointer map, PageLedger::Use use, std::uint32_t owner,
+                                               const std::string& what)
+{
+    std::vector<PageNumber> pages = claimMap(map, owner, what);
+    const auto taken = [&](PageNumber page) { return !ledger_->claim(page, use, owner); };
+    const auto removed = std::remove_if(pages.begin(), pages.end(), taken);
+    sound_ = sound_ && removed == pages.end();
+    pages.erase(removed, pages.end());
+    return pages;
+}
+
+void TableCheck::claimSpaceMap(RowPointer map, PageLedger::Use use, std::uint32_t owner, const std::string& what)
+{
+    for (const PageNumber page : claimMap(map, owner, what)) {
+        if (!ledger_->has(page, use, owner)) {
+            damage(page, "the page is in the map of " + what + ", but is none of them");
+        }
+    }
+}
+
+void TableCheck::claimEverything()
+{
+    dataPages_ = claimPages(definition_.ownedPages, PageLedger::Use::Data, owner_, "its pages");
+    claimSpaceMap(definition_.pagesWithSpace, PageLedger::Use::Data, owner_, "its pages with space");
+    for (const LongValueMaps& maps : definition_.longValues) {
+        const Column* column = definition_.columnByNumber(maps.columnNumber);
+        const std::string name = column != nullptr ? "column \"" + column->name + "\""
+                                                   : "column number " + std::to_string(maps.columnNumber);
+        LongColumn longColumn;
+        longColumn.number = maps.columnNumber;
+        longColumn.owner = ledger_->addOwner(name + " of table \"" + name_ + "\"");
+        longColumn.pages =
+            claimPages(maps.owned, PageLedger::Use::LongValues, longColumn.owner, "the long-value pages of " + name);
+        if (maps.withSpace.page != 0) {
+            claimSpaceMap(maps.withSpace, PageLedger::Use::LongValues, longColumn.owner,
+                          "the long-value pages with space of " + name);
+        }
+        longColumns_.push_back(std::move(longColumn));
+    }
+    for (std::size_t i = 0; i < definition_.realIndexes.size(); ++i) {
+        const std::string name = "index " + std::to_string(i);
+        indexOwners_.push_back(ledger_->addOwner(name + " of table \"" + name_ + "\""));
+        // Which of the pages the tree really uses is found by walking it.
+        static_cast<void>(claimPages(definition_.realIndexes[i].pages, PageLedger::Use::Index, indexOwners_.back(),
+                                     "the pages of " + name));
+    }
+}
+
+// --- Rows --------------------------------------------------------------------------------------------------------
+
+void TableCheck::checkLongValuePages()
+{
+    for (const LongColumn& column : longColumns_) {
+        for (const PageNumber page : column.pages) {
+            guard(page, "a long-value page", [&] {
+                const PageRef content = pager_->read(page);
+                if (!isDataPageOf(*content, kLongValueOwner)) {
+                    throw Error(ErrorCode::Corrupt, page, "it is no long-value page");
+                }
+                DataPage(*content, page).validate();
+            });
+        }
+    }
+}
+
+void TableCheck::checkDataPages(const RowSink& sink)
+{
+    for (const PageNumber page : dataPages_) {
+        guard(page, "a data page", [&] { checkDataPage(page, sink); });
+    }
+}
+
+void TableCheck::checkDataPage(PageNumber page, const RowSink& sink)
+{
+    const PageRef content = pager_->read(page);
+    if (!isDataPageOf(*content, first_)) {
+        throw Error(ErrorCode::Corrupt, page, "it is no data page of the table");
+    }
+    const DataPage data(*content, page);
+    data.validate();
+    for (std::size_t slot = 0; slot < data.slotCount(); ++slot) {
+        const RowPointer address{.page = page, .row = static_cast<std::uint8_t>(slot)};
+        switch (data.kind(slot)) {
+        case SlotKind::Row:
+            rows_.insert(address);
+            checkRow(address, page, data.bytes(slot), sink);
+            break;
+        case SlotKind::Pointer:
+            rows_.insert(address);
+            checkPointer(address, data.target(slot), sink);
+            break;
+        case SlotKind::Moved:
+            moved_.insert(address);
+            movedRows_.push_back(address);
+            break;
+        case SlotKind::Deleted:
+            break;
+        }
+    }
+}
+
+void TableCheck::checkPointer(RowPointer address, RowPointer target, const RowSink& sink)
+{
+    const std::string what = rowText(address.row) + ", which has moved to " + addressText(target);
+    const bool readable = guard(address.page, what, [&] {
+        if (!ledger_->has(target.page, PageLedger::Use::Data, owner_)) {
+            throw Error(ErrorCode::Corrupt, address.page, "that page is not the table's");
+        }
+        const PageRef content = pager_->read(target.page);
+        const DataPage data(*content, target.page);
+        if (target.row >= data.slotCount() || data.kind(target.row) != SlotKind::Moved) {
+            throw Error(ErrorCode::Corrupt, address.page, "there is no moved row");
+        }
+        if (!targets_.insert(target)) {
+            throw Error(ErrorCode::Corrupt, address.page, "another row has moved to the same place");
+        }
+        checkRow(address, target.page, data.bytes(target.row), sink);
+    });
+    if (!readable) {
+        badRows_.insert(address);
+    }
+}
+
+void TableCheck::checkMovedRows()
+{
+    for (const RowPointer& row : movedRows_) {
+        if (!targets_.contains(row)) {
+            damage(row.page, rowText(row.row) + " is moved data of no row");
+        }
+    }
+}
+
+void TableCheck::checkRow(RowPointer address, PageNumber dataPage, ByteView bytes, const RowSink& sink)
+{
+    const bool readable = guard(dataPage, rowText(address.row), [&] {
+        const RowView row(*layout_, bytes);
+        for (const Column& column : definition_.columns) {
+            if (!column.isLongValue()) {
+                const Value value = row.value(column);
+                const auto* number = std::get_if<std::int32_t>(&value);
+                if (column.isAutoNumber() && number != nullptr) {
+                    highestAutoNumber_ = std::max<std::int64_t>(highestAutoNumber_, *number);
+                }
+            } else if (const auto slot = row.raw(column)) {
+                const auto maps = std::find_if(longColumns_.begin(), longColumns_.end(),
+                                               [&](const LongColumn& each) { return each.number == column.number; });
+                if (maps != longColumns_.end()) {
+                    checkLongValue(*maps, *slot);
+                }
+                static_cast<void>(readValue(*pager_, row, column));
+            }
+        }
+        if (sink) {
+            sink(address, row);
+        }
+    });
+    if (!readable) {
+        badRows_.insert(address);
+    }
+}
+
+/// Follows a long value from part to part. Each part is entered as used, so that no part is read for two values and no
+/// chain is followed in a circle.
+void TableCheck::checkLongValue(LongColumn& column, ByteView slot)
+{
+    const LongValue value = decodeLongValue(slot);
+    if (value.storage == LongValue::Storage::Inline) {
+        return;
+    }
+    const bool chained = value.storage == LongValue::Storage::Chain;
+    std::size_t remaining = value.length;
+    RowPointer part = value.first;
+    do {
+        if (!ledger_->has(part.page, PageLedger::Use::LongValues, column.owner)) {
+            throw Error(ErrorCode::Corrupt,
+                        "its long value is at " + addressText(part) + ", which is not a long-value page of the column");
+        }
+        const PageRef content = pager_->read(part.page);
+        const DataPage data(*content, part.page);
+        if (part.row >= data.slotCount() || data.kind(part.row) != SlotKind::Row) {
+            throw Error(ErrorCode::Corrupt, "its long value is at " + addressText(part) + ", where nothing is");
+        }
+        if (!column.used.insert(part)) {
+            throw Error(ErrorCode::Corrupt, "its long value is at " + addressText(part) + ", which has another use");
+        }
+        const ByteView bytes = data.bytes(part.row);
+        const std::size_t length = bytes.size() - (chained ? std::min(bytes.size(), kRowPointerSize) : 0);
+        if (length == 0 && remaining > 0) {
+            throw Error(ErrorCode::Corrupt, "its long value has an empty part at " + addressText(part));
+        }
+        remaining -= std::min(remaining, length);
+        if (!chained && remaining > 0) {
+            throw Error(ErrorCode::Corrupt, "its long value at " + addressText(part) + " is too short");
+        }
+        part = chained ? getRowPointer(bytes, 0) : part;
+    } while (remaining > 0);
+}
+
+void TableCheck::checkUnreferencedLongValues()
+{
+    if (!rowsAreSound_) {
+        return; // what a row that cannot be read refers to is unknown
+    }
+    for (const LongColumn& column : longColumns_) {
+        for (const PageNumber page : column.pages) {
+            const PageRef content = pager_->read(page);
+            const DataPage data(*content, page);
+            for (std::size_t slot = 0; slot < data.slotCount(); ++slot) {
+                const RowPointer row{.page = page, .row = static_cast<std::uint8_t>(slot)};
+                if (data.kind(slot) != SlotKind::Deleted && !column.used.contains(row)) {
+                    leftover(page, rowText(row.row) + " is part of no long value");
+                }
+            }
+        }
+    }
+}
+
+void TableCheck::checkCounters()
+{
+    if (definition_.rowCount != rows_.size()) {
+        const std::string text =
+            "it counts " + std::to_string(definition_.rowCount) + " rows and has " + std::to_string(rows_.size());
+        // The counts of system tables are wrong in files of every origin.
+        if (definition_.kind == TableDefinition::kUserTable) {
+            damage(first_, text);
+        } else {
+            leftover(first_, text);
+        }
+    }
+    if (definition_.lastAutoNumber < highestAutoNumber_) {
+        damage(first_, "the last auto-number is " + std::to_string(definition_.lastAutoNumber) + ", but a row has " +
+                           std::to_string(highestAutoNumber_));
+    }
+}
+
+// --- Indexes -----------------------------------------------------------------------------------------------------
+
+void TableCheck::checkIndexes()
+{
+    for (std::size_t i = 0; i < definition_.realIndexes.size(); ++i) {
+        guard(definition_.realIndexes[i].root, "index " + std::to_string(i), [&] { checkIndex(i); });
+    }
+}
+
+/// Walks the tree. Every entry must be the key of the row that it names; as no entry is there twice, rows and entries
+/// are one to one when besides every row that needs an entry has one.
+void TableCheck::checkIndex(std::size_t position)
+{
+    const RealIndex& index = definition_.realIndexes[position];
+    const std::string name = "index " + std::to_string(position);
+    const IndexTree tree(*pager_, first_, index.root, index.pages);
+    const IndexKeyEncoder encoder(definition_, index);
+    const RowStore store(*pager_, first_, definition_.ownedPages, definition_.pagesWithSpace);
+    const bool primary = isPrimaryKey(definition_, position);
+    const auto keyOf = [&](const StoredRow& row) {
+        const RowView view(*layout_, row.bytes);
+        std::vector<Value> values;
+        for (const std::uint16_t number : encoder.columnNumbers()) {
+            values.push_back(readValue(*pager_, view, *definition_.columnByNumber(number)));
+        }
+        return encoder.encode(values);
+    };
+
+    RowSet entries;
+    Bytes previous;
+    const auto checkEntry = [&](ByteView key, RowPointer row) {
+        const std::string where = addressText(row);
+        if (!rows_.contains(row)) {
+            damage(index.root, name + " has an entry for " + where + ", where no row is");
+            return;
+        }
+        if (!entries.insert(row)) {
+            damage(index.root, name + " has two entries for " + where);
+            return;
+        }
+        if (!encoder.canEncode() || badRows_.contains(row)) {
+            return;
+        }
+        const auto stored = store.read(row);
+        const IndexKey expected = stored ? keyOf(*stored) : IndexKey{};
+        if (!std::equal(key.begin(), key.end(), expected.bytes.begin(), expected.bytes.end())) {
+            damage(index.root, name + " has another key for " + where + " than the row");
+        } else if ((index.isRequired() || primary) && expected.anyNull) {
+            damage(index.root, name + " allows no nulls, but " + where + " has one");
+        } else if (index.ignoresNulls() && expected.allNull) {
+            damage(index.root, name + " leaves out nulls, but has an entry for " + where);
+        } else if ((index.isUnique() || primary) && !expected.allNull && expected.bytes == previous) {
+            damage(index.root, name + " allows no duplicates, but " + where + " has the key of the row before it");
+        }
+        previous = expected.bytes;
+    };
+    const auto faults = tree.check([&](ByteView key, RowPointer row) {
+        guard(index.root, name + ", entry for " + addressText(row), [&] { checkEntry(key, row); });
+    });
+    for (const TreeFault& fault : faults) {
+        damage(fault.page, name + ": " + fault.text);
+    }
+    if (!rowsAreSound_ || entries.size() == rows_.size()) {
+        return;
+    }
+    for (RowStore::Cursor rows = store.scan(); rows.next();) {
+        const RowPointer address = rows.row().address;
+        const bool wanted = !index.ignoresNulls() || (encoder.canEncode() && !keyOf(rows.row()).allNull);
+        if (wanted && !entries.contains(address)) {
+            damage(index.root, name + " has no entry for " + addressText(address));
+        }
+    }
+}
+
+} // namespace jet
