@@ -16,7 +16,8 @@ struct ReportLine {
     int style = Plain;
 };
 
-/// Made for a million lines: adding is cheap, and whoever shows the list is told of changes but draws only what is seen.
+/// Made for a million lines: adding is cheap, and whoever shows the list is told of changes but draws only what is
+/// seen.
 class ReportList
 {
 public:

@@ -10,11 +10,11 @@
 namespace reports {
 
 struct ReportState {
-    QString strPath;         ///< full path of the diary file, set once at load
-    QString strWhere;        ///< the date filter as a where-clause, or empty
-    QString ReportTitle;     ///< heading of the report now shown; lines end in CR LF
-    QList<double> PrintTabs; ///< horizontal print positions in twips of the report now shown
-    ReportList lstView;      ///< the report list's content
+    QString strPath;                       ///< full path of the diary file, set once at load
+    QString strWhere;                      ///< the date filter as a where-clause, or empty
+    QString ReportTitle;                   ///< heading of the report now shown; lines end in CR LF
+    QList<double> PrintTabs;               ///< horizontal print positions in twips of the report now shown
+    ReportList lstView;                    ///< the report list's content
     const runtime::Clock* clock = nullptr; ///< never null once the window is made
 };
 

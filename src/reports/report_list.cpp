@@ -1,0 +1,55 @@
+#include "reports/report_list.h"
+
+#include "runtime/run_time_error.h"
+
+namespace reports {
+namespace {
+
+void checkSubscript(qsizetype line, qsizetype count)
+{
+    if (line < 0 || line >= count) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::SubscriptOutOfRange);
+    }
+}
+
+} // namespace
+
+void ReportList::addItem(const QString& text, int style)
+{
+    lines_.append({text, style});
+    tell(Change::Added);
+}
+
+void ReportList::setStyle(qsizetype line, int style)
+{
+    checkSubscript(line, lines_.size());
+    lines_[line].style = style;
+    tell(Change::Restyled);
+}
+
+void ReportList::clear()
+{
+    lines_.clear();
+    tell(Change::Cleared);
+}
+
+const ReportLine& ReportList::at(qsizetype line) const
+{
+    checkSubscript(line, lines_.size());
+    return lines_[line];
+}
+
+void ReportList::setTabStops(const QList<int>& dialogUnits)
+{
+    tabStops_ = dialogUnits;
+    tell(Change::TabStops);
+}
+
+void ReportList::tell(Change change)
+{
+    if (listener_) {
+        listener_(change);
+    }
+}
+
+} // namespace reports
