@@ -12,9 +12,6 @@
 
 namespace jet {
 
-/// The longest key that a tree takes: two entries of a node must fit on a page.
-inline constexpr std::size_t kMaximumKeyLength = 1800;
-
 /// Whether keys of the column's values can be computed: a type that can be indexed and, for texts, the sort order 1033
 /// version 0. A table with an index on any other column is not written to.
 [[nodiscard]] bool canEncode(const Column& column);
@@ -50,7 +47,8 @@ public:
     /// Numbers of the key columns, in the index's order.
     [[nodiscard]] const std::vector<std::uint16_t>& columnNumbers() const { return columnNumbers_; }
 
-    /// The key of a row: one value for each key column, in order. Throws ValueTooLong past kMaximumKeyLength.
+    /// The key of a row: one value for each key column, in order. Throws ValueTooLong past kMaximumKeyLength
+    /// (index_page.h).
     [[nodiscard]] IndexKey encode(std::span<const Value> values) const;
 
     // Ends of a range, from values for the leading columns (all or fewer; fewer stand for every key that begins with

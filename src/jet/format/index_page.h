@@ -5,7 +5,7 @@
 #include "jet/format/table_definition.h"
 
 #include <cstdint>
-#include <optional>
+#include <string>
 #include <vector>
 
 namespace jet {
@@ -16,6 +16,8 @@ enum class IndexPageKind : std::uint8_t { Node = 3, Leaf = 4 };
 inline constexpr std::size_t kIndexEntryArea = 3616;
 /// The longest entry of either kind: any two fit on a page, so that every overfull page can be split in two.
 inline constexpr std::size_t kMaximumIndexEntry = kIndexEntryArea / 2;
+/// The longest key: a node's entry adds a row and a child to it.
+inline constexpr std::size_t kMaximumKeyLength = kMaximumIndexEntry - 8;
 
 /// What an index page says about itself besides its entries.
 struct IndexPageHeader {
@@ -54,9 +56,16 @@ public:
     [[nodiscard]] PageNumber child(std::size_t entry) const;
 
 private:
+    /// What the entry shares with the first one and does not store.
+    [[nodiscard]] ByteView shared(std::size_t entry) const;
+    /// What the entry stores.
     [[nodiscard]] ByteView stored(std::size_t entry) const;
-    [[nodiscard]] ByteView prefixOf(std::size_t entry) const;
-    [[nodiscard]] std::size_t trailer() const { return isLeaf() ? 4 : 8; }
+    [[nodiscard]] std::size_t keyLength(std::size_t entry) const;
+    /// Four bytes of the whole entry as a number, most significant byte first.
+    [[nodiscard]] std::uint32_t numberAt(std::size_t entry, std::size_t offset) const;
+    void readMask(ByteView mask);
+    void checkEntries();
+    [[noreturn]] void refuse(const std::string& what) const;
 
     PageRef page_;
     PageNumber number_ = 0;
@@ -94,8 +103,10 @@ public:
 
 private:
     [[nodiscard]] std::size_t start(std::size_t position) const { return position == 0 ? 0 : ends_[position - 1]; }
-    [[nodiscard]] std::size_t commonPrefix(std::size_t first, std::size_t last) const;
-    [[nodiscard]] std::size_t encodedSize(std::size_t first, std::size_t count) const;
+    /// The longest start that all entries of the run share and that leaves something of each.
+    [[nodiscard]] std::size_t commonPrefix(std::size_t first, std::size_t count) const;
+    /// Bytes that the run of entries takes with its common prefix stored once.
+    [[nodiscard]] std::size_t compactSize(std::size_t first, std::size_t count) const;
 
     Bytes bytes_;
     std::vector<std::uint32_t> ends_;
