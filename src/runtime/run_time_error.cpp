@@ -22,6 +22,8 @@ QString usualWords(ErrorNumber number)
         return QStringLiteral("File not found");
     case ErrorNumber::FileAlreadyExists:
         return QStringLiteral("File already exists");
+    case ErrorNumber::InvalidPattern:
+        return QStringLiteral("Invalid pattern string");
     case ErrorNumber::InvalidUseOfNull:
         return QStringLiteral("Invalid use of Null");
     case ErrorNumber::PrinterError:

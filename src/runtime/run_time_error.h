@@ -16,6 +16,7 @@ enum class ErrorNumber {
     TypeMismatch = 13,
     FileNotFoundOnDisk = 53,
     FileAlreadyExists = 58,
+    InvalidPattern = 93,
     InvalidUseOfNull = 94,
     PrinterError = 482,
     NoCurrentRecord = 3021,
