@@ -124,6 +124,11 @@ bool DataPage::fits(std::size_t length) const
     return slots_ < kMaximumSlots && reclaimableBytes() >= length + kSlotSize;
 }
 
+std::size_t DataPage::room(std::size_t row) const
+{
+    return reclaimableBytes() + (kind(row) == SlotKind::Deleted ? 0 : bytes(row).size());
+}
+
 bool DataPage::isEmpty() const
 {
     for (std::size_t row = 0; row < slots_; ++row) {
@@ -181,16 +186,9 @@ std::uint8_t DataPageEditor::append(ByteView row, SlotKind kind)
     return static_cast<std::uint8_t>(slot);
 }
 
-std::size_t DataPageEditor::room(std::uint8_t row) const
-{
-    const DataPage page = view();
-    const std::size_t held = page.kind(row) == SlotKind::Deleted ? 0 : page.bytes(row).size();
-    return page.reclaimableBytes() + held;
-}
-
 void DataPageEditor::replace(std::uint8_t row, ByteView bytes, SlotKind kind)
 {
-    if (room(row) < bytes.size()) {
+    if (view().room(row) < bytes.size()) {
         throw Error(ErrorCode::InvalidArgument, number_, "A row does not fit on its page");
     }
     const std::size_t held = view().bytes(row).size();

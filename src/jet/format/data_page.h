@@ -47,6 +47,8 @@ public:
     [[nodiscard]] std::size_t reclaimableBytes() const;
     /// Whether a new row of that many bytes has room, deleted rows' bytes given up.
     [[nodiscard]] bool fits(std::size_t length) const;
+    /// How long the row could become.
+    [[nodiscard]] std::size_t room(std::size_t row) const;
     [[nodiscard]] bool isEmpty() const; ///< every slot is deleted, or there is none
 
     [[nodiscard]] SlotKind kind(std::size_t row) const;
@@ -83,10 +85,8 @@ public:
 
     /// Appends a slot. Requires view().fits(row.size()).
     std::uint8_t append(ByteView row, SlotKind kind = SlotKind::Row);
-    /// Gives the slot new bytes and a kind; rows below move. Requires room(row) >= bytes.size().
+    /// Gives the slot new bytes and a kind; rows below move. Requires view().room(row) >= bytes.size().
     void replace(std::uint8_t row, ByteView bytes, SlotKind kind);
-    /// How long the slot could become.
-    [[nodiscard]] std::size_t room(std::uint8_t row) const;
     /// Marks the slot as deleted and closes the gap.
     void remove(std::uint8_t row) { replace(row, {}, SlotKind::Deleted); }
     /// Bytes of the slot for changes that keep the length.

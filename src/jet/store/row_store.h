@@ -67,16 +67,19 @@ public:
     void erase(RowPointer address);
 
 private:
-    [[nodiscard]] std::optional<StoredRow> resolve(RowPointer address, const PageRef& page) const;
-    [[nodiscard]] std::vector<RowPointer> dataPath(RowPointer address) const;
     [[nodiscard]] PageRef readOwned(PageNumber page) const;
+    [[nodiscard]] std::optional<StoredRow> resolve(RowPointer address, const PageRef& page) const;
+    /// The slots from the row's address to its data; one for a row that never moved, none for no row.
+    [[nodiscard]] std::vector<RowPointer> slotsOf(RowPointer address) const;
+
     RowPointer append(PageNumber page, ByteView row, SlotKind kind);
-    RowPointer storeMoved(ByteView row, PageNumber avoid);
-    bool replaceIfRoom(RowPointer slot, ByteView row, SlotKind kind);
-    void removeSlot(RowPointer slot);
-    PageNumber addPage(PageNumber after);
-    void noteSpace(PageNumber page);
+    RowPointer appendMoved(ByteView row);
+    [[nodiscard]] bool replaceWhereRoom(RowPointer slot, ByteView row, SlotKind kind);
+    void replace(RowPointer slot, ByteView bytes, SlotKind kind);
+    void remove(RowPointer slot);
+    [[nodiscard]] PageNumber addPage(PageNumber after);
     void freeIfEmpty(PageNumber page);
+    void noteSpace(PageNumber page);
 
     Pager* pager_;
     PageNumber owner_;
