@@ -30,6 +30,12 @@ public:
         });
     }
 
+    /// A handler as a function that throws nothing, for what calls back without a signal.
+    [[nodiscard]] std::function<void()> function(void (Form::*handler)()) const
+    {
+        return [form = form_, dialogs = dialogs_, handler] { guarded(*dialogs, form, [&] { (form->*handler)(); }); };
+    }
+
 private:
     Form* form_;
     Dialogs* dialogs_;

@@ -15,9 +15,9 @@ FieldFocus::FieldFocus(QWidget& form) : QObject(&form), form_(form)
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { followFocus(now); });
 }
 
-void FieldFocus::watch(QLineEdit& field)
+void FieldFocus::watch(QLineEdit& field, std::function<void()> lostFocus)
 {
-    fields_.append(&field);
+    lostFocus_.insert(&field, std::move(lostFocus));
     field.installEventFilter(this);
 }
 
@@ -53,11 +53,12 @@ void FieldFocus::followFocus(QWidget* now)
         return;
     if (QLineEdit* before = std::exchange(current_, nullptr)) {
         clicked_ = nullptr;
-        emit left(before);
+        if (const auto& lostFocus = lostFocus_[before])
+            lostFocus();
         if (QApplication::focusWidget() != now)
             return; // given back
     }
-    if (auto* field = qobject_cast<QLineEdit*>(now); field != nullptr && fields_.contains(field)) {
+    if (auto* field = qobject_cast<QLineEdit*>(now); field != nullptr && lostFocus_.contains(field)) {
         current_ = field;
         if (byMouse_)
             clicked_ = field;

@@ -1,10 +1,13 @@
 // When the user enters and leaves a form's text boxes.
 #pragma once
 
-#include <QList>
+#include <QHash>
 #include <QObject>
 
+#include <functional>
+
 class QLineEdit;
+class QWidget;
 
 namespace controls {
 
@@ -17,10 +20,11 @@ class FieldFocus : public QObject
 public:
     explicit FieldFocus(QWidget& form);
 
-    void watch(QLineEdit& field);
+    /// `lostFocus` is called when the user has left the field; it throws nothing.
+    void watch(QLineEdit& field, std::function<void()> lostFocus = {});
 
     /// Puts the focus back into a field that the user has just left, as if it had never gone: the control that loses it
-    /// again does not count as left. Made for the handler of left().
+    /// again does not count as left. Made for a field's `lostFocus`.
     void giveBack(QLineEdit& field);
 
     /// Gives the focus to a control, as a click on it does; false when the field that has it took it back. For buttons
@@ -31,7 +35,6 @@ signals:
     /// By the mouse: when its button is up again, so that a selection made by the handler stays. A selection that the
     /// user drew with the mouse stays too: then there is no signal.
     void entered(QLineEdit* field);
-    void left(QLineEdit* field);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -40,9 +43,9 @@ private:
     void followFocus(QWidget* now);
 
     QWidget& form_;
-    QList<QLineEdit*> fields_;
-    QLineEdit* current_ = nullptr; ///< the field that the user is in
-    QLineEdit* clicked_ = nullptr; ///< entered by the mouse, whose button is still down
+    QHash<QWidget*, std::function<void()>> lostFocus_; ///< by watched field
+    QLineEdit* current_ = nullptr;                     ///< the field that the user is in
+    QLineEdit* clicked_ = nullptr;                     ///< entered by the mouse, whose button is still down
     bool byMouse_ = false;
 };
 

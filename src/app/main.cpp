@@ -1,0 +1,23 @@
+// Quillon: a diary for people who treat diabetes with insulin.
+#include "app/frmMain.h"
+#include "controls/qt_dialogs.h"
+#include "data/diary_location.h"
+
+#include <QApplication>
+#include <QDir>
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Quillon"));
+
+    const runtime::SystemClock clock;
+    controls::QtDialogs dialogs;
+    app::frmMain window({.clock = clock,
+                         .dialogs = dialogs,
+                         .programFolder = QDir::toNativeSeparators(QCoreApplication::applicationDirPath()),
+                         .fixedDiaryPath = data::fixedDiaryPath()});
+    window.show();
+    return QApplication::exec();
+}
