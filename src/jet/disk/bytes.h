@@ -96,7 +96,10 @@ void putBigEndian(MutableBytes bytes, std::size_t offset, Number number)
     return std::bit_cast<double>(getU64(bytes, offset));
 }
 
-inline void putU8(MutableBytes bytes, std::size_t offset, std::uint8_t number) { putLittleEndian(bytes, offset, number); }
+inline void putU8(MutableBytes bytes, std::size_t offset, std::uint8_t number)
+{
+    putLittleEndian(bytes, offset, number);
+}
 inline void putU16(MutableBytes bytes, std::size_t offset, std::uint16_t number)
 {
     putLittleEndian(bytes, offset, number);

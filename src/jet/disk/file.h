@@ -1,4 +1,5 @@
-// The engine's whole view of the operating system: files that are read and written at offsets, and the folder they are in.
+// The engine's whole view of the operating system: files that are read and written at offsets, and the folder they are
+// in.
 #pragma once
 
 #include "jet/disk/bytes.h"
@@ -47,10 +48,13 @@ public:
     virtual void sync() = 0;
 
     /// Moves to the level, up or down. Going up tries again until the patience is over, then throws Locked and
-    /// leaves the level as it was. Belongs to this open file, not to the process: two connections of one process conflict.
+    /// leaves the level as it was. Belongs to this open file, not to the process: two connections of one process
+    /// conflict.
     virtual void lock(LockLevel level, std::chrono::milliseconds patience) = 0;
     [[nodiscard]] virtual FileStamp stamp() = 0;
     [[nodiscard]] virtual bool isReadOnly() const = 0;
+    /// Whether the path that the file was opened by still leads to it: false after it was removed, moved or replaced.
+    [[nodiscard]] virtual bool isInPlace() = 0;
 };
 
 class FileSystem
@@ -61,9 +65,15 @@ public:
     FileSystem& operator=(const FileSystem&) = delete;
     virtual ~FileSystem() = default;
 
+    /// A file made by Create can be read and written by its owner alone.
     [[nodiscard]] virtual std::unique_ptr<File> open(const std::string& path, OpenMode mode) = 0;
+    /// As open() with Create; whoever may read or write the model may do so with the new file.
+    [[nodiscard]] virtual std::unique_ptr<File> createLike(const std::string& path, const std::string& model) = 0;
+    /// The one path of the file whatever links lead to it, so that all who open it look for its journal in one place.
+    [[nodiscard]] virtual std::string resolve(const std::string& path) = 0;
     [[nodiscard]] virtual bool exists(const std::string& path) = 0;
     virtual void remove(const std::string& path) = 0;
+    /// Replaces a file that has the new name.
     virtual void rename(const std::string& from, const std::string& to) = 0;
     /// Makes creations, removals and renames in the folder that holds the path durable.
     virtual void syncFolderOf(const std::string& path) = 0;
