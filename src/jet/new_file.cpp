@@ -1,0 +1,149 @@
+#include "jet/new_file.h"
+
+#include "jet/catalogue_writer.h"
+#include "jet/format/header_page.h"
+#include "jet/new_table.h"
+#include "jet/store/index_tree.h"
+#include "jet/store/table_definition_store.h"
+
+#include <bit>
+
+namespace jet {
+
+namespace {
+
+/// The mask of the accounts depends on the header's date of creation in a way that is not known. This is a pair that
+/// belongs together; the true date stands in the catalogue.
+constexpr std::uint64_t kCreatedBits = 0x40E4AB3E3BD3853EU;
+constexpr std::uint16_t kAccountMask = 0x8A67;
+
+/// Pages 2 to 13: the four definitions, the page with all their maps, the roots of their indexes.
+Catalogue::SystemPages storeSystemTables(Pager& pager)
+{
+    std::array<TableDefinition, 4> definitions = systemTableDefinitions();
+    TableDefinitionStore store(pager);
+    Catalogue::SystemPages pages{};
+    std::size_t mapCount = 0;
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        for (const Column& column : definitions[i].columns) {
+            if (column.isLongValue()) {
+                definitions[i].longValues.push_back({.columnNumber = column.number, .owned = {}, .withSpace = {}});
+            }
+        }
+        pages[i] = store.create(definitions[i]);
+        mapCount += mapsNeededBy(definitions[i]);
+    }
+    const std::vector<RowPointer> maps = createUsageMaps(pager, mapCount);
+    std::span<const RowPointer> rest(maps);
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        const std::size_t count = mapsNeededBy(definitions[i]);
+        attachMaps(pager, pages[i], definitions[i], rest.first(count));
+        store.save(pages[i], definitions[i]);
+        rest = rest.subspan(count);
+    }
+    return pages;
+}
+
+void addSystemObjects(CatalogueWriter& writer, const Catalogue::SystemPages& pages, DateTime now)
+{
+    using namespace object_id;
+    const auto add = [&writer, now](std::int32_t id, std::int32_t parent, const char* name, ObjectType type,
+                                    Account owner) {
+        writer.addObject(
+            {.id = id, .parent = parent, .name = name, .type = static_cast<std::int16_t>(type), .flags = kSystemObject},
+            owner, now);
+    };
+    add(kTables, kRoot, "Tables", ObjectType::Container, Account::Engine);
+    add(kDatabases, kRoot, "Databases", ObjectType::Container, Account::Engine);
+    add(kRelationships, kRoot, "Relationships", ObjectType::Container, Account::Engine);
+    add(kMSysDb, kDatabases, "MSysDb", ObjectType::Database, Account::Admin);
+    constexpr std::array kNames{"MSysObjects", "MSysACEs", "MSysQueries", "MSysRelationships"};
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        add(static_cast<std::int32_t>(pages[i]), kTables, kNames[i], ObjectType::Table, Account::Engine);
+    }
+}
+
+/// The rights that the format's own engine gives; what the single bits mean does not matter here.
+void addSystemPermissions(CatalogueWriter& writer, const Catalogue::SystemPages& pages)
+{
+    using namespace object_id;
+    struct Permission {
+        std::int32_t object;
+        Account account;
+        std::uint32_t rights;
+        bool inheritable;
+    };
+    const auto page = [&pages](std::size_t i) { return static_cast<std::int32_t>(pages[i]); };
+    const std::array permissions{
+        Permission{page(0), Account::Admin, 0x60000, false},
+        Permission{page(1), Account::Admin, 0x60000, false},
+        Permission{page(2), Account::Admin, 0x60000, false},
+        Permission{page(3), Account::Admin, 0xE0000, false},
+        Permission{kTables, Account::Creator, 0xF00FE, true},
+        Permission{kTables, Account::Admin, 0x60001, false},
+        Permission{kRelationships, Account::Creator, 0xF00FE, true},
+        Permission{kRelationships, Account::Admin, 0x60001, false},
+        Permission{kDatabases, Account::Admin, 0x60000, false},
+        Permission{kMSysDb, Account::Admin, 0x6000E, false},
+        Permission{kMSysDb, Account::Users, 0x0000E, false},
+        Permission{page(2), Account::Users, 0x00014, false},
+        Permission{page(3), Account::Users, 0x00014, false},
+        Permission{page(0), Account::Users, 0x00014, false},
+        Permission{kTables, Account::Users, 0xFFEFF, true},
+        Permission{kRelationships, Account::Users, 0xFFFFF, true},
+    };
+    for (const Permission& permission : permissions) {
+        writer.addPermission(permission.object, permission.account, permission.rights, permission.inheritable);
+    }
+}
+
+void fillNewFile(Pager& pager, DateTime now)
+{
+    pager.begin();
+    static_cast<void>(pager.append());
+    static_cast<void>(pager.append());
+    HeaderPage header;
+    header.created = {std::bit_cast<double>(kCreatedBits)};
+    pager.modify(0) = encodeHeaderPage(header);
+    PageAllocator::initialize(pager);
+    const Catalogue::SystemPages pages = storeSystemTables(pager);
+    Catalogue catalogue(pager, pages);
+    CatalogueWriter writer(catalogue, kAccountMask);
+    addSystemObjects(writer, pages, now);
+    addSystemPermissions(writer, pages);
+    pager.commit();
+}
+
+void requireFreePath(FileSystem& fileSystem, const std::string& path)
+{
+    if (fileSystem.exists(path)) {
+        throw Error(ErrorCode::FileExists, "There is a file already at " + path);
+    }
+}
+
+} // namespace
+
+void makeFile(FileSystem& fileSystem, const std::string& path, DateTime now)
+{
+    requireFreePath(fileSystem, path);
+    const std::string unfinished = path + ".new";
+    for (const std::string& leftover : {unfinished, unfinished + "-journal"}) {
+        if (fileSystem.exists(leftover)) {
+            fileSystem.remove(leftover);
+        }
+    }
+    try {
+        Pager pager(fileSystem, unfinished, OpenMode::Create);
+        fillNewFile(pager, now);
+    } catch (...) {
+        if (fileSystem.exists(unfinished)) {
+            fileSystem.remove(unfinished);
+        }
+        throw;
+    }
+    requireFreePath(fileSystem, path);
+    fileSystem.rename(unfinished, path);
+    fileSystem.syncFolderOf(path);
+}
+
+} // namespace jet

@@ -1,0 +1,69 @@
+// Changes of rows with all their rules: types, keys, relationships, auto-numbers (FORMAT.md, "Changing data").
+#pragma once
+
+#include "jet/foreign_keys.h"
+#include "jet/table.h"
+
+#include <span>
+#include <string>
+
+namespace jet {
+
+/// A part of a transaction that is taken back unless it is kept.
+class ChangeScope
+{
+public:
+    explicit ChangeScope(StoredTables& tables) : tables_(&tables), savepoint_(tables.pager().savepoint()) {}
+    ChangeScope(const ChangeScope&) = delete;
+    ChangeScope& operator=(const ChangeScope&) = delete;
+    ~ChangeScope();
+    void keep();
+
+private:
+    StoredTables* tables_;
+    Pager::Savepoint savepoint_;
+    bool kept_ = false;
+};
+
+/// The name of an index that cannot be kept up and so forbids changes of the table; empty when there is none.
+[[nodiscard]] std::string unsupportedIndexOf(const LoadedTable& table);
+
+/// All functions require a transaction. When one throws, nothing has changed.
+class RowWriter
+{
+public:
+    explicit RowWriter(StoredTables& tables) : tables_(&tables), foreignKeys_(tables) {}
+
+    RowPointer insert(StoredTable& table, std::span<const ColumnValue> values);
+    void update(StoredTable& table, RowPointer address, std::span<const ColumnValue> values);
+    void erase(StoredTable& table, RowPointer address);
+
+private:
+    struct KeyChange {
+        std::size_t index = 0;
+        IndexKey before;
+        IndexKey after;
+    };
+    struct RowAt {
+        StoredTable* table = nullptr;
+        RowPointer address;
+    };
+
+    [[nodiscard]] const std::vector<ColumnRules>& rulesOf(StoredTable& table);
+    [[nodiscard]] RowValues newRow(StoredTable& table, std::span<const ColumnValue> values);
+    [[nodiscard]] std::vector<KeyChange> keyChanges(const LoadedTable& table, const RowView& row,
+                                                    std::span<const ColumnValue> changes, RowValues& before,
+                                                    RowValues& after);
+    void update(StoredTable& table, RowPointer address, std::span<const ColumnValue> values, unsigned depth);
+    void eraseOne(const RowAt& row, const StoredRow& stored, std::vector<RowAt>& doomed);
+    void addEntry(LoadedTable& table, std::size_t index, const IndexKey& key, RowPointer address);
+    void removeEntry(LoadedTable& table, std::size_t index, const IndexKey& key, RowPointer address);
+    [[nodiscard]] Value slotValue(const LoadedTable& table, const Column& column, const Value& value);
+    void freeLongValue(const LoadedTable& table, const Column& column, const RowView& row);
+    void saveCounters(StoredTable& table, const LoadedTable& loaded);
+
+    StoredTables* tables_;
+    ForeignKeys foreignKeys_;
+};
+
+} // namespace jet
