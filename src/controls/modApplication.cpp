@@ -19,7 +19,9 @@ void ShowCentredModal(QDialog& dialog, const QWidget& owner)
     Q_ASSERT(dialog.parentWidget() == &owner);
     if (!dialog.testAttribute(Qt::WA_Resized))
         dialog.adjustSize();
-    dialog.move(centredOver(owner.frameGeometry(), dialog.frameSize()));
+    // The dialog gets its frame when it is shown; by then it stands where it is. It will be like the owner's.
+    const QSize frame = owner.frameSize() - owner.size();
+    dialog.move(centredOver(owner.frameGeometry(), dialog.size() + frame));
     dialog.exec();
 }
 

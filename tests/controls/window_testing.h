@@ -1,0 +1,37 @@
+// What all tests of windows need.
+#pragma once
+
+#include <QString>
+#include <QTest>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace testing_windows {
+
+/// Shows a window and waits until it is active, as it is when a user works in it.
+void showActive(QWidget& window);
+
+/// The child of that name; the test fails where there is none.
+template <typename Control>
+[[nodiscard]] Control& child(const QObject& parent, const char* name)
+{
+    auto* found = parent.findChild<Control*>(QLatin1String(name));
+    if (found == nullptr) {
+        ADD_FAILURE() << "no control of this kind is called " << name;
+        static Control none;
+        return none;
+    }
+    return *found;
+}
+
+/// Handles what has been posted until now, such as a box that opens after a click.
+void handlePostedEvents();
+
+/// Calls `act` with the modal window that the next step opens, once it is there, and closes it afterwards if `act` has
+/// not.
+void whenModal(std::function<void(QWidget& modal)> act);
+
+} // namespace testing_windows
