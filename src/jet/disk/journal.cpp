@@ -220,6 +220,8 @@ void Journal::rollBack(File& file)
         });
         requireBelongsTo(file, header, firstPageBefore);
 
+        // Whoever gave the journal its name back, or was stopped right after the rename, may not have come to this.
+        fileSystem_->syncFolderOf(path_);
         forEachRecord(*journal, header,
                       [&](const JournalRecord& record) { file.writeAt(pageOffset(record.page), record.content); });
         file.truncate(pageOffset(header.pagesBefore));
