@@ -300,6 +300,21 @@ std::size_t IndexPageContent::middle() const
     return low > 1 && right(low - 1) < left(low) ? low - 1 : low;
 }
 
+std::size_t IndexPageContent::leadingThatFit() const
+{
+    std::size_t low = 1;
+    std::size_t high = size() - 1;
+    while (low < high) {
+        const std::size_t count = high - (high - low) / 2;
+        if (compactSize(0, count) <= kIndexEntryArea) {
+            low = count;
+        } else {
+            high = count - 1;
+        }
+    }
+    return low;
+}
+
 void IndexPageContent::encode(Page& page) const
 {
     std::size_t prefix = 0;
@@ -329,6 +344,16 @@ void IndexPageContent::encode(Page& page) const
     putU16(bytes, kPrefix, static_cast<std::uint16_t>(prefix));
 }
 
+void setPrevious(Page& page, PageNumber previous)
+{
+    putU32(MutableBytes(page), kPrevious, previous);
+}
+
+void setNext(Page& page, PageNumber next)
+{
+    putU32(MutableBytes(page), kNext, next);
+}
+
 // --- Entries ---------------------------------------------------------------------------------------------------------
 
 Bytes makeLeafEntry(ByteView key, RowPointer row)
@@ -348,6 +373,16 @@ Bytes makeNodeEntry(ByteView lastLeafEntry, PageNumber child)
     entry.resize(lastLeafEntry.size() + kChildSize);
     putBigEndian<std::uint32_t>(MutableBytes(entry), lastLeafEntry.size(), child);
     return entry;
+}
+
+ByteView leafEntryOf(ByteView nodeEntry)
+{
+    return slice(nodeEntry, 0, nodeEntry.size() - kChildSize);
+}
+
+PageNumber childOf(ByteView nodeEntry)
+{
+    return getBigEndian<std::uint32_t>(nodeEntry, nodeEntry.size() - kChildSize);
 }
 
 } // namespace jet

@@ -98,6 +98,8 @@ public:
     /// For content that does not fit: how many leading entries to split off so that both parts fit and are about as
     /// long.
     [[nodiscard]] std::size_t middle() const;
+    /// For the same content: how many leading entries fit a page, so that as few as can be are split off behind them.
+    [[nodiscard]] std::size_t leadingThatFit() const;
     /// Writes everything the page says; what other programs keep in its unknown bytes stays. Requires fits().
     void encode(Page& page) const;
 
@@ -112,9 +114,16 @@ private:
     std::vector<std::uint32_t> ends_;
 };
 
+/// Changes nothing but the link.
+void setPrevious(Page& page, PageNumber previous);
+void setNext(Page& page, PageNumber next);
+
 /// A leaf's entry: key, page and row, the page most significant byte first.
 [[nodiscard]] Bytes makeLeafEntry(ByteView key, RowPointer row);
 /// A node's entry for the child whose last leaf entry this is.
 [[nodiscard]] Bytes makeNodeEntry(ByteView lastLeafEntry, PageNumber child);
+/// The two parts of a node's entry.
+[[nodiscard]] ByteView leafEntryOf(ByteView nodeEntry);
+[[nodiscard]] PageNumber childOf(ByteView nodeEntry);
 
 } // namespace jet

@@ -44,7 +44,10 @@ private:
     void seekPastCurrent();
     [[nodiscard]] bool stepForwards();
     [[nodiscard]] bool stepBackwards();
-    void enter(PageNumber neighbour);
+    /// Makes the leaf the one at hand.
+    void enter(IndexPage leaf);
+    void enterNeighbour(PageNumber neighbour);
+    void give(std::size_t entry);
 
     Pager* pager_;
     const IndexTree* tree_;
@@ -52,8 +55,9 @@ private:
     bool backwards_;
     bool ended_ = false;
     std::optional<IndexPage> leaf_; ///< none: before the first step
-    std::size_t position_ = 0;      ///< the entry that a step forwards gives; a step backwards gives the one before it
-    PageNumber leavesEntered_ = 0;  ///< since the last search; more than the file has pages: the chain is a ring
+    std::size_t position_ = 0;      ///< in the leaf: forwards the entry to give next, backwards the one behind it
+    std::size_t limit_ = 0;         ///< in the leaf: where the interval ends forwards, begins backwards
+    PageNumber leavesEntered_ = 0;  ///< from neighbour to neighbour; more than the file has pages: the chain is a ring
     Bytes key_;
     RowPointer row_;
 };
@@ -92,20 +96,55 @@ private:
     friend class IndexCursor;
     friend class IndexTreeChecker;
 
+    /// More levels than a file of 2 GiB can fill, each node having two children or more.
+    static constexpr std::size_t kMaximumDepth = 32;
+
     /// A node on the way from the root to a leaf, and which of its children the way takes (size() means the tail).
     struct Step {
         PageNumber node = 0;
         std::size_t child = 0;
     };
-    /// A child as its parent is told about it after a change: no `last` means that its last entry is what it was.
+    using Path = std::vector<Step>;
+
+    /// A child after a change, as its parent is told. `last` is the last leaf entry below it; none: it is what it was,
+    /// and the child is the one that was there before.
     struct Child {
         PageNumber page = 0;
         std::optional<Bytes> last;
     };
+    /// What takes the place of one child: none (it is gone), one, or two (it was split).
+    using Children = std::vector<Child>;
+
+    /// Where in the tree an entry was added.
+    enum class Growth { Inside, AtTheEnd };
+
+    /// An entry's leaf, made ready for changing, and the entry's place in it.
+    struct Spot {
+        Path path;
+        PageNumber leaf = 0;
+        std::size_t position = 0;
+        bool occupied = false; ///< the entry is there
+        IndexPageContent content;
+    };
 
     [[nodiscard]] IndexPage read(PageNumber page) const;
-    [[nodiscard]] IndexPage leafFor(ByteView key, RowPointer row, std::vector<Step>* path = nullptr) const;
-    [[nodiscard]] IndexPage lastLeaf() const;
+    /// The leaf where the entry is or belongs.
+    [[nodiscard]] IndexPage leafFor(ByteView key, RowPointer row, Path* path = nullptr) const;
+    [[nodiscard]] Spot locate(ByteView key, RowPointer row) const;
+    [[nodiscard]] IndexPage lastLeafUnder(PageNumber page) const;
+    [[nodiscard]] Bytes lastEntryUnder(PageNumber page) const;
+
+    void write(PageNumber page, const IndexPageContent& content);
+    [[nodiscard]] PageNumber allocate();
+    [[nodiscard]] Children store(PageNumber page, IndexPageContent content, std::optional<Bytes> last, Growth growth);
+    [[nodiscard]] Children split(PageNumber page, IndexPageContent content, std::optional<Bytes> last, Growth growth);
+    [[nodiscard]] Children splitOffLastEntry(PageNumber page, IndexPageContent content);
+    [[nodiscard]] Children remove(PageNumber page, const IndexPageHeader& header);
+    void updateNodes(Path path, Children children, Growth growth);
+    [[nodiscard]] Children updateNode(const Step& step, const Children& children, bool overLeaves, Growth growth);
+    void settleTail(IndexPageContent& node) const;
+    void checkLinksBack(PageNumber page, const IndexPageHeader& header) const;
+    void link(PageNumber left, PageNumber right);
 
     Pager* pager_;
     PageNumber owner_;
