@@ -1,6 +1,7 @@
 // Rows of a table, a saved query or an SQL text, walked with one current record.
 #pragma once
 
+#include "data/types/field.h"
 #include "runtime/value.h"
 
 #include <QString>
@@ -8,14 +9,6 @@
 #include <memory>
 
 namespace data {
-
-enum class FieldType { Boolean, Byte, Integer, Long, Currency, Single, Double, Date, Binary, Text, Memo, Guid, Decimal };
-
-struct Field {
-    QString name;
-    FieldType type = FieldType::Text;
-    int size = 0; ///< Text: the most characters it holds; 0 where there is no limit
-};
 
 /// The cursor stands before the first record (bof), on a record, or after the last (eof); on an empty result both hold.
 /// A new recordset stands on its first record. It holds no lock between calls.
@@ -44,7 +37,8 @@ public:
     [[nodiscard]] runtime::Value value(int position) const;
     [[nodiscard]] runtime::Value value(const QString& name) const;
 
-    // A recordset over one table can be changed. addNew or edit, set, update; the change is durable when update returns.
+    // A recordset over one table can be changed. addNew or edit, set, update; the change is durable when update
+    // returns.
     [[nodiscard]] bool isUpdatable() const;
     void addNew();
     void edit();

@@ -1,0 +1,151 @@
+#include "data/functions/function.h"
+#include "runtime/conversions.h"
+#include "runtime/run_time_error.h"
+
+#include <QString>
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace data {
+namespace {
+
+using runtime::Value;
+
+double numberOf(Arguments arguments)
+{
+    return runtime::toDouble(arguments[0]);
+}
+
+Value checked(double number)
+{
+    if (!std::isfinite(number)) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::Overflow);
+    }
+    return number;
+}
+
+/// The result as a whole number where the argument was one.
+Value likeArgument(const Value& argument, double number)
+{
+    const bool whole = std::holds_alternative<qint32>(argument) || std::holds_alternative<bool>(argument);
+    if (whole && std::abs(number) <= std::numeric_limits<qint32>::max()) {
+        return static_cast<qint32>(number);
+    }
+    if (std::holds_alternative<runtime::Date>(argument)) {
+        return runtime::Date{number};
+    }
+    return checked(number);
+}
+
+Value absolute(Arguments arguments)
+{
+    return likeArgument(arguments[0], std::abs(numberOf(arguments)));
+}
+
+Value floorOf(Arguments arguments)
+{
+    return likeArgument(arguments[0], std::floor(numberOf(arguments)));
+}
+
+Value truncated(Arguments arguments)
+{
+    return likeArgument(arguments[0], std::trunc(numberOf(arguments)));
+}
+
+Value sign(Arguments arguments)
+{
+    const double number = numberOf(arguments);
+    return number > 0 ? 1 : (number < 0 ? -1 : 0);
+}
+
+Value squareRoot(Arguments arguments)
+{
+    if (numberOf(arguments) < 0) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
+    }
+    return std::sqrt(numberOf(arguments));
+}
+
+Value exponential(Arguments arguments)
+{
+    return checked(std::exp(numberOf(arguments)));
+}
+
+Value logarithm(Arguments arguments)
+{
+    if (numberOf(arguments) <= 0) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
+    }
+    return std::log(numberOf(arguments));
+}
+
+/// Halves go to the even neighbour. What is a half is judged on 15 significant digits, so that 2.675 is one.
+Value rounded(Arguments arguments)
+{
+    constexpr int kSignificant = 15;
+    const qint32 digits = arguments.size() > 1 ? countOf(arguments[1], 0) : 0;
+    const double number = numberOf(arguments);
+    const double scale = std::pow(10.0, digits);
+    const double scaled = number * scale;
+    if (digits > kSignificant || std::abs(scaled) >= 1e15) {
+        return likeArgument(arguments[0], number); // no digit is left to round
+    }
+    const double decimal = QString::number(scaled, 'g', kSignificant).toDouble();
+    const double floor = std::floor(decimal);
+    const double fraction = decimal - floor;
+    const bool up = fraction > 0.5 || (fraction == 0.5 && std::fmod(floor, 2) != 0);
+    return likeArgument(arguments[0], (up ? floor + 1 : floor) / scale);
+}
+
+Value sine(Arguments arguments)
+{
+    return std::sin(numberOf(arguments));
+}
+Value cosine(Arguments arguments)
+{
+    return std::cos(numberOf(arguments));
+}
+Value tangent(Arguments arguments)
+{
+    return checked(std::tan(numberOf(arguments)));
+}
+Value arcTangent(Arguments arguments)
+{
+    return std::atan(numberOf(arguments));
+}
+
+/// A number's own type; texts become Double.
+ExpressionType likeFirst(std::span<const ExpressionType> arguments)
+{
+    const ExpressionType first = arguments.front();
+    if (first.is(FieldType::Boolean)) {
+        return typeOf(FieldType::Long);
+    }
+    return first.isNumber() || first.is(FieldType::Date) || !first.isKnown() ? first : typeOf(FieldType::Double);
+}
+
+constexpr std::array<Function, 12> kFunctions{{
+    {u"abs", 1, 1, Nulls::Pass, likeFirst, absolute},
+    {u"int", 1, 1, Nulls::Pass, likeFirst, floorOf},
+    {u"fix", 1, 1, Nulls::Pass, likeFirst, truncated},
+    {u"round", 1, 2, Nulls::Pass, likeFirst, rounded},
+    {u"sgn", 1, 1, Nulls::Pass, always<FieldType::Integer>, sign},
+    {u"sqr", 1, 1, Nulls::Pass, always<FieldType::Double>, squareRoot},
+    {u"exp", 1, 1, Nulls::Pass, always<FieldType::Double>, exponential},
+    {u"log", 1, 1, Nulls::Pass, always<FieldType::Double>, logarithm},
+    {u"sin", 1, 1, Nulls::Pass, always<FieldType::Double>, sine},
+    {u"cos", 1, 1, Nulls::Pass, always<FieldType::Double>, cosine},
+    {u"tan", 1, 1, Nulls::Pass, always<FieldType::Double>, tangent},
+    {u"atn", 1, 1, Nulls::Pass, always<FieldType::Double>, arcTangent},
+}};
+
+} // namespace
+
+std::span<const Function> numberFunctions()
+{
+    return kFunctions;
+}
+
+} // namespace data

@@ -1,0 +1,232 @@
+#include "data/functions/function.h"
+#include "data/functions/like_pattern.h"
+#include "runtime/conversions.h"
+#include "runtime/run_time_error.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace data {
+namespace {
+
+using runtime::Value;
+
+[[noreturn]] void fail(runtime::ErrorNumber number)
+{
+    throw runtime::RunTimeError(number);
+}
+
+double finite(double number)
+{
+    if (!std::isfinite(number)) {
+        fail(runtime::ErrorNumber::Overflow);
+    }
+    return number;
+}
+
+bool isWhole(const Value& value)
+{
+    return std::holds_alternative<qint32>(value) || std::holds_alternative<bool>(value);
+}
+
+template <typename Operation>
+Value arithmetic(Arguments arguments, Operation operation)
+{
+    const double result = finite(operation(runtime::toDouble(arguments[0]), runtime::toDouble(arguments[1])));
+    const bool fits = std::abs(result) <= std::numeric_limits<qint32>::max();
+    if (isWhole(arguments[0]) && isWhole(arguments[1]) && fits) {
+        return static_cast<qint32>(result);
+    }
+    return result;
+}
+
+Value concatenateValues(Arguments arguments)
+{
+    if (std::all_of(arguments.begin(), arguments.end(), runtime::isNull)) {
+        return runtime::Null{};
+    }
+    QString result;
+    for (const Value& argument : arguments) {
+        result += runtime::toText(argument);
+    }
+    return result;
+}
+
+Value addValues(Arguments arguments)
+{
+    if (std::holds_alternative<QString>(arguments[0]) && std::holds_alternative<QString>(arguments[1])) {
+        return std::get<QString>(arguments[0]) + std::get<QString>(arguments[1]);
+    }
+    return arithmetic(arguments, [](double left, double right) { return left + right; });
+}
+
+Value subtractValues(Arguments arguments)
+{
+    return arithmetic(arguments, [](double left, double right) { return left - right; });
+}
+
+Value multiplyValues(Arguments arguments)
+{
+    return arithmetic(arguments, [](double left, double right) { return left * right; });
+}
+
+Value divideValues(Arguments arguments)
+{
+    const double divisor = runtime::toDouble(arguments[1]);
+    if (divisor == 0) {
+        fail(runtime::ErrorNumber::DivisionByZero);
+    }
+    return finite(runtime::toDouble(arguments[0]) / divisor);
+}
+
+/// The operands of a division of whole numbers, in 64 bits, so that the smallest number over -1 does not trap.
+struct WholeOperands {
+    qint64 left = 0;
+    qint64 right = 0;
+
+    explicit WholeOperands(Arguments arguments)
+        : left(runtime::toLong(arguments[0])), right(runtime::toLong(arguments[1]))
+    {
+        if (right == 0) {
+            fail(runtime::ErrorNumber::DivisionByZero);
+        }
+    }
+};
+
+Value wholeDivideValues(Arguments arguments)
+{
+    const WholeOperands operands(arguments);
+    const qint64 quotient = operands.left / operands.right;
+    if (quotient > std::numeric_limits<qint32>::max()) {
+        fail(runtime::ErrorNumber::Overflow);
+    }
+    return static_cast<qint32>(quotient);
+}
+
+Value moduloValues(Arguments arguments)
+{
+    const WholeOperands operands(arguments);
+    return static_cast<qint32>(operands.left % operands.right);
+}
+
+Value powerOfValues(Arguments arguments)
+{
+    const double base = runtime::toDouble(arguments[0]);
+    const double exponent = runtime::toDouble(arguments[1]);
+    if ((base < 0 && exponent != std::trunc(exponent)) || (base == 0 && exponent < 0)) {
+        fail(runtime::ErrorNumber::InvalidProcedureCall);
+    }
+    return finite(std::pow(base, exponent));
+}
+
+Value negateValue(Arguments arguments)
+{
+    return subtractValues(std::array<Value, 2>{Value(0), arguments[0]});
+}
+
+Value isLike(Arguments arguments)
+{
+    return LikePattern(runtime::toText(arguments[1])).matches(runtime::toText(arguments[0]));
+}
+
+Value truthOf(Arguments arguments)
+{
+    return functionNamed(u"cbool")->evaluate(arguments);
+}
+
+Value textOf(Arguments arguments)
+{
+    return runtime::toText(arguments[0]);
+}
+
+ExpressionType unknown(std::span<const ExpressionType>)
+{
+    return {};
+}
+
+constexpr int kNoLimit = 100;
+
+constexpr std::array<Function, 12> kOperators{{
+    {u"concatenate", 1, kNoLimit, Nulls::Own, always<FieldType::Text>, concatenateValues},
+    {u"add", 2, 2, Nulls::Pass, unknown, addValues},
+    {u"subtract", 2, 2, Nulls::Pass, always<FieldType::Double>, subtractValues},
+    {u"multiply", 2, 2, Nulls::Pass, always<FieldType::Double>, multiplyValues},
+    {u"divide", 2, 2, Nulls::Pass, always<FieldType::Double>, divideValues},
+    {u"whole_divide", 2, 2, Nulls::Pass, always<FieldType::Long>, wholeDivideValues},
+    {u"modulo", 2, 2, Nulls::Pass, always<FieldType::Long>, moduloValues},
+    {u"power", 2, 2, Nulls::Pass, always<FieldType::Double>, powerOfValues},
+    {u"negate", 1, 1, Nulls::Pass, always<FieldType::Double>, negateValue},
+    {u"like", 2, 2, Nulls::Pass, always<FieldType::Boolean>, isLike},
+    {u"truth", 1, 1, Nulls::Pass, always<FieldType::Boolean>, truthOf},
+    {u"as_text", 1, 1, Nulls::Pass, always<FieldType::Text>, textOf},
+}};
+
+} // namespace
+
+namespace operators {
+
+const Function& concatenate()
+{
+    return kOperators[0];
+}
+const Function& add()
+{
+    return kOperators[1];
+}
+const Function& subtract()
+{
+    return kOperators[2];
+}
+const Function& multiply()
+{
+    return kOperators[3];
+}
+const Function& divide()
+{
+    return kOperators[4];
+}
+const Function& wholeDivide()
+{
+    return kOperators[5];
+}
+const Function& modulo()
+{
+    return kOperators[6];
+}
+const Function& power()
+{
+    return kOperators[7];
+}
+const Function& negate()
+{
+    return kOperators[8];
+}
+const Function& like()
+{
+    return kOperators[9];
+}
+const Function& truth()
+{
+    return kOperators[10];
+}
+const Function& asText()
+{
+    return kOperators[11];
+}
+
+const std::vector<const Function*>& all()
+{
+    static const std::vector<const Function*> operators = [] {
+        std::vector<const Function*> result;
+        for (const Function& function : kOperators) {
+            result.push_back(&function);
+        }
+        return result;
+    }();
+    return operators;
+}
+
+} // namespace operators
+} // namespace data

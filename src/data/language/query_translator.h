@@ -1,0 +1,63 @@
+// Queries in Jet's dialect as SQLite's SQL.
+#pragma once
+
+#include "data/language/expression_translator.h"
+
+namespace data {
+
+class QueryTranslator final : public ExpressionTranslator
+{
+public:
+    using ExpressionTranslator::ExpressionTranslator;
+
+    [[nodiscard]] Relation query(const Query& query, Scope* outer);
+    /// All rows of a table or a saved query.
+    [[nodiscard]] Relation named(const QString& name);
+    /// The addresses of the rows that the statement deletes.
+    [[nodiscard]] Relation rowsToDelete(const Delete& statement);
+
+private:
+    struct Output {
+        QString name;
+        TypedSql sql;
+    };
+    /// A select on its way: its parts in SQL before they are put together.
+    struct Draft;
+
+    Relation subquery(const Query& query, Scope& scope) override;
+
+    // Sources (source_translator.cpp)
+    QString sourcesOf(const std::vector<FromItemPtr>& items, Scope& scope);
+    QString sourceOf(const FromItem& item, Scope& scope);
+    QString joinOf(const Join& join, Scope& scope);
+    QString namedSource(const NamedSource& named, Scope& scope);
+    Source tableSource(const SourceTable& table, const QString& alias) const;
+    Source relationSource(const Relation& relation, const QString& alias) const;
+    QString savedQuery(const QString& name, const QString& text, Relation& relation);
+    QString nextAlias();
+
+    // One select
+    Relation select(const Select& select, const std::vector<OrderItem>& orderBy, Scope* outer);
+    std::vector<Output> outputs(const Select& select, Scope& scope);
+    void addAllColumns(const OutputItem& item, const Scope& scope, std::vector<Output>& outputs) const;
+    [[nodiscard]] static QString outputName(const OutputItem& item, const std::vector<Output>& before);
+    std::vector<OrderTerm> explicitOrder(const std::vector<OrderItem>& orderBy, const std::vector<Output>& outputs,
+                                         Scope& scope);
+    void completeOrder(Draft& draft, const Scope& scope) const;
+    [[nodiscard]] QString distinctRowGroups(const std::vector<Output>& outputs, const Scope& scope) const;
+    [[nodiscard]] Relation assembled(const Draft& draft, const Scope& scope) const;
+    [[nodiscard]] static Relation top(Relation relation, const Top& top, std::size_t explicitTerms);
+
+    // Unions (union_translator.cpp)
+    Relation unionOf(const Query& query, Scope* outer);
+    Relation ordered(Relation relation, const std::vector<OrderItem>& orderBy);
+};
+
+/// " ORDER BY ..." or nothing.
+[[nodiscard]] QString orderClause(const std::vector<OrderTerm>& terms);
+/// "c0, c1, c2", each with a prefix where one is given.
+[[nodiscard]] QString columnList(const Relation& relation, const QString& prefix = {});
+/// ", k0, k1".
+[[nodiscard]] QString orderColumnList(const Relation& relation, const QString& prefix = {});
+
+} // namespace data

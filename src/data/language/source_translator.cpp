@@ -1,0 +1,205 @@
+// What stands behind FROM, and whose rows a DELETE takes: the part of QueryTranslator that knows sources.
+#include "data/language/query_translator.h"
+#include "data/language/sql_error.h"
+#include "data/language/sql_parser.h"
+
+#include <algorithm>
+
+namespace data {
+namespace {
+
+/// Saved queries upon saved queries, deeper than a person builds them.
+constexpr qsizetype kMostQueries = 60;
+
+} // namespace
+
+QString QueryTranslator::nextAlias()
+{
+    return u'q' + QString::number(++state().sources);
+}
+
+Relation QueryTranslator::named(const QString& name)
+{
+    Scope scope;
+    const QString from = namedSource({name, {}}, scope);
+    const Source& source = scope.sources.front();
+    Relation relation;
+    QStringList list;
+    for (const Source::Column& column : source.columns) {
+        list.append(QStringLiteral("%1 AS c%2").arg(column.sql).arg(list.size()));
+        relation.columns.push_back({column.name, column.type, column.baseColumn});
+    }
+    for (const OrderTerm& term : source.order) {
+        OrderTerm outside = term;
+        outside.sql = u'k' + QString::number(relation.order.size());
+        list.append(term.sql + QStringLiteral(" AS ") + outside.sql);
+        if (source.rows && source.rows->address == term.sql) {
+            relation.rows = BaseRows{source.rows->table, outside.sql};
+        }
+        relation.order.push_back(outside);
+    }
+    relation.sql = QStringLiteral("SELECT %1 FROM %2").arg(list.join(QStringLiteral(", ")), from);
+    return relation;
+}
+
+Relation QueryTranslator::rowsToDelete(const Delete& statement)
+{
+    Scope scope;
+    const QString from = sourcesOf(statement.from, scope);
+    QString target;
+    for (const QString& name : statement.targets) {
+        target = target.isEmpty() ? name : target;
+        if (!name.isEmpty() && !isSameName(name, target)) {
+            throw runtime::RunTimeError(runtime::ErrorNumber::TableToDeleteMissing);
+        }
+    }
+    const auto source = std::find_if(scope.sources.begin(), scope.sources.end(), [&](const Source& candidate) {
+        return target.isEmpty() || isSameName(candidate.name, target);
+    });
+    if (source == scope.sources.end()) {
+        throw unknownTableOrQuery(target);
+    }
+    if (target.isEmpty() && scope.sources.size() > 1) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::TableToDeleteMissing);
+    }
+    if (!source->rows) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::ReadOnly)
+            .withHint(QStringLiteral("Records of '%1' cannot be deleted because it is no table.").arg(source->name));
+    }
+    Relation relation;
+    relation.rows = BaseRows{source->rows->table, QStringLiteral("k0")};
+    relation.order.push_back({QStringLiteral("k0")});
+    relation.sql = QStringLiteral("SELECT DISTINCT %1 AS k0 FROM %2").arg(source->rows->address, from);
+    if (statement.where != nullptr) {
+        relation.sql += QStringLiteral(" WHERE ") + condition(*statement.where, scope).sql;
+    }
+    return relation;
+}
+
+QString QueryTranslator::sourcesOf(const std::vector<FromItemPtr>& items, Scope& scope)
+{
+    QStringList list;
+    for (const FromItemPtr& item : items) {
+        const QString sql = sourceOf(*item, scope);
+        const bool bracket = !list.isEmpty() && std::holds_alternative<Join>(item->node);
+        list.append(bracket ? u'(' + sql + u')' : sql);
+    }
+    return list.join(QStringLiteral(", "));
+}
+
+QString QueryTranslator::sourceOf(const FromItem& item, Scope& scope)
+{
+    if (const auto* named = std::get_if<NamedSource>(&item.node)) {
+        return namedSource(*named, scope);
+    }
+    if (const auto* join = std::get_if<Join>(&item.node)) {
+        return joinOf(*join, scope);
+    }
+    const auto& derived = std::get<DerivedSource>(item.node);
+    const Relation relation = query(*derived.query, scope.outer);
+    const QString alias = nextAlias();
+    Source source = relationSource(relation, alias);
+    source.name = derived.alias;
+    scope.sources.push_back(std::move(source));
+    return u'(' + relation.sql + QStringLiteral(") AS ") + alias;
+}
+
+/// A right join is a left join the other way round. Joins group from the left, so only the right side needs brackets.
+QString QueryTranslator::joinOf(const Join& join, Scope& scope)
+{
+    const FromItem* left = join.left.get();
+    const FromItem* right = join.right.get();
+    QString leftSql = sourceOf(*left, scope);
+    QString rightSql = sourceOf(*right, scope);
+    const TypedSql on = condition(*join.condition, scope);
+    if (join.kind == Join::Kind::Right) {
+        std::swap(left, right);
+        std::swap(leftSql, rightSql);
+    }
+    if (std::holds_alternative<Join>(right->node)) {
+        rightSql = u'(' + rightSql + u')';
+    }
+    const QString word = join.kind == Join::Kind::Inner ? QStringLiteral(" JOIN ") : QStringLiteral(" LEFT JOIN ");
+    return leftSql + word + rightSql + QStringLiteral(" ON ") + on.sql;
+}
+
+QString QueryTranslator::namedSource(const NamedSource& named, Scope& scope)
+{
+    const QString alias = nextAlias();
+    Source source;
+    QString sql;
+    if (const SourceTable* table = state().catalogue.table(named.name)) {
+        source = tableSource(*table, alias);
+        sql = table->sqlName;
+    } else if (const std::optional<QString> text = state().catalogue.query(named.name)) {
+        Relation relation;
+        sql = savedQuery(named.name, *text, relation);
+        source = relationSource(relation, alias);
+    } else {
+        throw unknownTableOrQuery(named.name);
+    }
+    source.name = named.alias.isEmpty() ? named.name : named.alias;
+    scope.sources.push_back(std::move(source));
+    return sql + QStringLiteral(" AS ") + alias;
+}
+
+Source QueryTranslator::tableSource(const SourceTable& table, const QString& alias) const
+{
+    Source source;
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        const Field& field = table.columns[i];
+        source.columns.push_back(
+            {field.name, {field.type, field.size}, QStringLiteral("%1.c%2").arg(alias).arg(i), static_cast<int>(i)});
+    }
+    const QString address = alias + QStringLiteral(".row");
+    source.order.push_back({address});
+    source.rows = BaseRows{&table, address};
+    return source;
+}
+
+Source QueryTranslator::relationSource(const Relation& relation, const QString& alias) const
+{
+    Source source;
+    for (std::size_t i = 0; i < relation.columns.size(); ++i) {
+        const RelationColumn& column = relation.columns[i];
+        source.columns.push_back(
+            {column.name, column.type, QStringLiteral("%1.c%2").arg(alias).arg(i), column.baseColumn});
+    }
+    for (OrderTerm term : relation.order) {
+        term.sql = alias + u'.' + term.sql;
+        source.order.push_back(std::move(term));
+    }
+    if (relation.rows) {
+        source.rows = BaseRows{relation.rows->table, alias + u'.' + relation.rows->address};
+    }
+    return source;
+}
+
+/// The query as a common table expression; returns its name.
+QString QueryTranslator::savedQuery(const QString& name, const QString& text, Relation& relation)
+{
+    if (state().openQueries.contains(name, Qt::CaseInsensitive)) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::CircularReference,
+                                    QStringLiteral("Circular reference caused by '%1'.").arg(name));
+    }
+    if (state().commonTables.size() >= kMostQueries || state().openQueries.size() >= kMostQueries) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::QueryTooComplex);
+    }
+    const QString* outerText = state().sql;
+    state().sql = &text;
+    state().openQueries.append(name);
+    const Statement statement = parseStatement(text);
+    const auto* query = std::get_if<Query>(&statement.node);
+    if (query == nullptr) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::InvalidOperation)
+            .withHint(QStringLiteral("The saved query '%1' does not select records.").arg(name));
+    }
+    relation = this->query(*query, nullptr);
+    state().openQueries.removeLast();
+    state().sql = outerText;
+    const QString sqlName = u'v' + QString::number(state().commonTables.size() + 1);
+    state().commonTables.append(sqlName + QStringLiteral(" AS (") + relation.sql + u')');
+    return sqlName;
+}
+
+} // namespace data

@@ -1,0 +1,84 @@
+#include "data/language/sql_translator.h"
+
+#include "data/language/query_translator.h"
+#include "data/language/sql_error.h"
+#include "data/language/sql_parser.h"
+
+#include <algorithm>
+
+namespace data {
+namespace {
+
+void requireKnownNames(const TranslationState& state)
+{
+    if (!state.unknownNames.isEmpty()) {
+        throw unknownFields(state.unknownNames);
+    }
+}
+
+SqlText textOf(const TranslationState& state, const Relation& relation, const QString& columns)
+{
+    QString sql;
+    if (!state.commonTables.isEmpty()) {
+        sql = QStringLiteral("WITH ") + state.commonTables.join(QStringLiteral(", ")) + u' ';
+    }
+    sql += QStringLiteral("SELECT %1 FROM (%2)%3").arg(columns, relation.sql, orderClause(relation.order));
+    return {sql, state.parameters};
+}
+
+TranslatedQuery finished(const TranslationState& state, const Relation& relation)
+{
+    requireKnownNames(state);
+    TranslatedQuery result;
+    result.rows = textOf(state, relation, columnList(relation));
+    for (const RelationColumn& column : relation.columns) {
+        result.columns.push_back({column.name, column.type});
+    }
+    const bool ownColumns = std::all_of(relation.columns.begin(), relation.columns.end(),
+                                        [](const RelationColumn& column) { return column.baseColumn >= 0; });
+    if (relation.rows && ownColumns) {
+        TableRows rows;
+        rows.table = relation.rows->table->name;
+        for (const RelationColumn& column : relation.columns) {
+            rows.columns.push_back(column.baseColumn);
+        }
+        rows.addresses = textOf(state, relation, relation.rows->address);
+        result.tableRows = std::move(rows);
+    }
+    return result;
+}
+
+} // namespace
+
+TranslatedQuery translateQuery(const QString& sql, Catalogue& catalogue, const runtime::Clock& clock)
+{
+    const Statement statement = parseStatement(sql);
+    const auto* query = std::get_if<Query>(&statement.node);
+    if (query == nullptr) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::InvalidOperation)
+            .withHint(QStringLiteral("A statement that deletes records yields none."));
+    }
+    TranslationState state{catalogue, clock.now(), &sql};
+    return finished(state, QueryTranslator(state).query(*query, nullptr));
+}
+
+TranslatedQuery translateName(const QString& name, Catalogue& catalogue, const runtime::Clock& clock)
+{
+    TranslationState state{catalogue, clock.now(), &name};
+    return finished(state, QueryTranslator(state).named(name));
+}
+
+TranslatedDelete translateDelete(const QString& sql, Catalogue& catalogue, const runtime::Clock& clock)
+{
+    const Statement statement = parseStatement(sql);
+    const auto* deletion = std::get_if<Delete>(&statement.node);
+    if (deletion == nullptr) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::CannotExecuteSelect);
+    }
+    TranslationState state{catalogue, clock.now(), &sql};
+    const Relation relation = QueryTranslator(state).rowsToDelete(*deletion);
+    requireKnownNames(state);
+    return {relation.rows->table->name, textOf(state, relation, relation.rows->address)};
+}
+
+} // namespace data
