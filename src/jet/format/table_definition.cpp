@@ -168,9 +168,14 @@ void encodeIndex(MutableBytes head, Bytes& out, const RealIndex& index)
     }
     putU32(head, 4, index.distinctKeys);
     for (std::size_t i = 0; i < kMaximumKeyColumns; ++i) {
-        const bool used = i < index.columns.size();
-        putU16(block, 4 + 3 * i, used ? index.columns[i].columnNumber : kNoKeyColumn);
-        putU8(block, 6 + 3 * i, used && index.columns[i].ascending ? 1 : 0);
+        const std::size_t at = 4 + 3 * i;
+        if (i < index.columns.size()) {
+            putU16(block, at, index.columns[i].columnNumber);
+            putU8(block, at + 2, index.columns[i].ascending ? 1 : 0);
+        } else if (getU16(block, at) != kNoKeyColumn) { // else what stands beside it means nothing and is kept
+            putU16(block, at, kNoKeyColumn);
+            putU8(block, at + 2, 0);
+        }
     }
     putRowPointer(block, 34, index.pages);
     putU32(block, 38, index.root);
