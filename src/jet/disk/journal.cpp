@@ -24,18 +24,37 @@ constexpr std::size_t kRecordChecksumOffset = 8;
 // A journal is read and written in runs of this many records, about 1 MiB: few calls, and bounded memory.
 constexpr std::size_t kRecordsInRun = 256;
 
-std::uint64_t checksum(std::uint64_t seed, ByteView bytes)
+/// 64-bit FNV-1a, to which bytes are added run by run.
+class Checksum
 {
-    std::uint64_t hash = 0xcbf2'9ce4'8422'2325U ^ seed;
-    for (const std::byte byte : bytes) {
-        hash = (hash ^ std::to_integer<std::uint64_t>(byte)) * 0x0000'0100'0000'01b3U;
+public:
+    explicit Checksum(std::uint64_t salt) : hash_(0xcbf2'9ce4'8422'2325U ^ salt) {}
+
+    Checksum& add(ByteView bytes)
+    {
+        for (const std::byte byte : bytes) {
+            hash_ = (hash_ ^ std::to_integer<std::uint64_t>(byte)) * 0x0000'0100'0000'01b3U;
+        }
+        return *this;
     }
-    return hash;
+
+    [[nodiscard]] std::uint64_t value() const { return hash_; }
+
+private:
+    std::uint64_t hash_;
+};
+
+std::uint64_t checksum(std::uint64_t salt, ByteView bytes)
+{
+    return Checksum(salt).add(bytes).value();
 }
 
 std::uint64_t recordChecksum(ByteView record, std::uint64_t salt)
 {
-    return checksum(checksum(salt, record.first(kRecordChecksumOffset)), record.subspan(JournalRecord::kPrefixSize));
+    return Checksum(salt)
+        .add(record.first(kRecordChecksumOffset))
+        .add(record.subspan(JournalRecord::kPrefixSize))
+        .value();
 }
 
 std::uint64_t newSalt()

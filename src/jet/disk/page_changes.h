@@ -23,9 +23,10 @@ public:
 
     /// The page as changed so far, or null when it is as in the file.
     [[nodiscard]] PageRef find(PageNumber number) const;
-    /// A page that find() knows, for changing.
+    [[nodiscard]] bool contains(PageNumber number) const { return pages_.contains(number); }
+    /// A page that was changed before, for changing again.
     [[nodiscard]] Page& modify(PageNumber number);
-    /// A page that find() does not know, for changing; `before` is what the file holds.
+    /// A page that was not, for changing; `before` is what the file holds.
     [[nodiscard]] Page& modifyFirst(PageNumber number, PageRef before);
     [[nodiscard]] PageNumber append();
 

@@ -147,7 +147,8 @@ public:
     {
         requireTransaction();
         requireInFile(number);
-        return changes_.find(number) ? changes_.modify(number) : changes_.modifyFirst(number, readUnchanged(number));
+        return changes_.contains(number) ? changes_.modify(number)
+                                         : changes_.modifyFirst(number, readUnchanged(number));
     }
 
     PageNumber append()

@@ -77,7 +77,7 @@ struct CrashTest {
     std::function<void(FileSystem&)> body;
     /// What a program does first after the crash. Optional; when given, the power fails at each operation of it as
     /// well.
-    std::function<void(FileSystem&)> recover;
+    std::function<void(FileSystem&)> recover = {};
     /// Looks at what survived; `finished` tells that the body had returned without an error.
     std::function<void(FileSystem&, bool finished)> check;
     std::uint64_t seeds = 6;         ///< runs with chance for each operation of the body

@@ -36,9 +36,9 @@ enum class Call {
 };
 
 struct Fault {
-    std::size_t at = 0;       ///< the number of the call, counted from 0 when the fault is set
-    bool lasting = false;     ///< all later calls of the kind fail as well
-    std::optional<Call> call; ///< which calls count; all of them when empty
+    std::size_t at = 0;            ///< the number of the call, counted from 0 when the fault is set
+    bool lasting = false;          ///< all later calls of the kind fail as well
+    std::optional<Call> call = {}; ///< which calls count; all of them when empty
     ErrorCode code = ErrorCode::Io;
 };
 
@@ -76,7 +76,7 @@ struct FaultTest {
     std::function<void(FileSystem&)> body;
     /// Looks at the files after the body is over and calls work again; `finished` tells that the body did not throw.
     std::function<void(FileSystem&, bool finished)> check;
-    std::optional<Call> call;
+    std::optional<Call> call = {}; ///< as in Fault
     ErrorCode code = ErrorCode::Io;
 };
 

@@ -21,6 +21,8 @@ public:
     std::string database;
     std::string journal;
     std::set<std::string> unsyncedFiles; ///< names of files that were written to and not synced
+    std::set<std::string> newFiles;      ///< names of files that were made and not renamed since
+    bool journalIsNew = false;           ///< rather than one that is taken up again
     bool journalIsDurable = false;       ///< the name was synced while it led to a synced file
     bool databaseIsUnsynced = false;
     std::size_t watchedChanges = 0;
@@ -84,11 +86,11 @@ public:
         }
     }
 
-    /// The journal of a commit must hold the file as it is now, before the first write.
+    /// A new journal must hold the file as it is now, before the first write.
     void afterJournalBecameDurable()
     {
-        if (databaseIsUnsynced) {
-            return; // an interrupted commit goes on; the file is not as it was
+        if (!std::exchange(journalIsNew, false)) {
+            return;
         }
         const Bytes content = contentOf(database);
         const Kept kept = readJournal();
@@ -99,11 +101,7 @@ public:
         }
     }
 
-    void beforeJournalGoes()
-    {
-        EXPECT_FALSE(databaseIsUnsynced) << "the journal goes before the file is synced";
-        journalIsDurable = false;
-    }
+    void beforeJournalGoes() const { EXPECT_FALSE(databaseIsUnsynced) << "the journal goes before the file is synced"; }
 };
 
 class JournalRefereeFileSystem::OpenFile final : public ForwardingFile
@@ -175,7 +173,9 @@ std::unique_ptr<File> JournalRefereeFileSystem::open(const std::string& path, Op
 
 std::unique_ptr<File> JournalRefereeFileSystem::createLike(const std::string& path, const std::string& model)
 {
-    return watched(path, ForwardingFileSystem::createLike(path, model));
+    std::unique_ptr<File> file = watched(path, ForwardingFileSystem::createLike(path, model));
+    state_->newFiles.insert(path);
+    return file;
 }
 
 void JournalRefereeFileSystem::remove(const std::string& path)
@@ -184,6 +184,7 @@ void JournalRefereeFileSystem::remove(const std::string& path)
         state_->beforeJournalGoes();
     }
     ForwardingFileSystem::remove(path);
+    state_->journalIsDurable = state_->journalIsDurable && path != state_->journal;
 }
 
 void JournalRefereeFileSystem::rename(const std::string& from, const std::string& to)
@@ -193,8 +194,11 @@ void JournalRefereeFileSystem::rename(const std::string& from, const std::string
     }
     if (to == state_->journal) {
         EXPECT_FALSE(state_->unsyncedFiles.contains(from)) << "the journal gets its name before it is synced";
+        state_->journalIsNew = state_->newFiles.contains(from);
     }
     ForwardingFileSystem::rename(from, to);
+    state_->newFiles.erase(from);
+    state_->journalIsDurable = state_->journalIsDurable && from != state_->journal;
 }
 
 void JournalRefereeFileSystem::syncFolderOf(const std::string& path)
