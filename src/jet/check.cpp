@@ -17,6 +17,9 @@ namespace {
 
 constexpr std::array<const char*, 4> kSystemTableNames{"MSysObjects", "MSysACEs", "MSysQueries", "MSysRelationships"};
 
+/// The type of a definition page in use.
+constexpr std::byte kDefinitionPage{2};
+
 class FileCheck
 {
 public:
@@ -98,6 +101,7 @@ private:
             if (!readable && i == 0) {
                 return false;
             }
+            allTablesRead_ = allTablesRead_ && readable;
             tables_.push_back(std::move(table));
         }
         return true;
@@ -111,6 +115,8 @@ private:
                 auto table = std::make_unique<TableCheck>(*pager_, faults_, ledger_, entry.name, entry.firstPage);
                 if (table->run()) {
                     tables_.push_back(std::move(table));
+                } else {
+                    allTablesRead_ = false;
                 }
             }
         }
@@ -130,13 +136,19 @@ private:
             }
             if (ledger_.use(page) != PageLedger::Use::None && free) {
                 faults_.add(page, "The page is in use, but the global map has it as free");
-            } else if (ledger_.use(page) == PageLedger::Use::None && !free) {
-                const bool definition = std::to_integer<int>(pager_->read(page)->at(0)) == 2;
-                faults_.add(page,
-                            definition ? "The page is a table's definition, but the catalogue knows no such table"
-                                       : "The page is neither in use nor free",
-                            Fault::Kind::Leftover);
+            } else if (ledger_.use(page) == PageLedger::Use::None && !free && allTablesRead_) {
+                checkUnusedPage(page);
             }
+        }
+    }
+
+    /// Lost pages are common in files of Access and harmless, but a definition may be that of a lost table.
+    void checkUnusedPage(PageNumber page)
+    {
+        if (pager_->read(page)->front() == kDefinitionPage) {
+            faults_.add(page, "The page is a table's definition, but the catalogue knows no such table");
+        } else {
+            faults_.add(page, "The page is neither in use nor free", Fault::Kind::Leftover);
         }
     }
 
@@ -151,7 +163,7 @@ private:
             }
             for (std::size_t slot = 0; slot < rows.slotCount(); ++slot) {
                 const RowPointer row{.page = page, .row = static_cast<std::uint8_t>(slot)};
-                if (rows.kind(slot) != SlotKind::Deleted && !ledger_.mapRows().contains(row)) {
+                if (allTablesRead_ && rows.kind(slot) != SlotKind::Deleted && !ledger_.mapRows().contains(row)) {
                     faults_.add(page, "Row " + std::to_string(slot) + " of the map page is no map of anything",
                                 Fault::Kind::Leftover);
                 }
@@ -165,6 +177,7 @@ private:
     CatalogueCheck catalogue_;
     HeaderPage header_;
     std::uint32_t fileOwner_ = 0;
+    bool allTablesRead_ = true; ///< else nothing can be said of pages that no table claims
     std::vector<std::unique_ptr<TableCheck>> tables_;
 };
 

@@ -1,9 +1,11 @@
 #include "jet/database/sample_dump.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <fstream>
 #include <stdexcept>
+#include <string_view>
 
 namespace jet::test {
 
@@ -135,19 +137,46 @@ Dump readDump(const std::filesystem::path& path)
     return dump;
 }
 
-std::vector<std::filesystem::path> samples()
+std::string essence(const std::string& sql)
 {
-    std::vector<std::filesystem::path> found;
-    const std::filesystem::path folder = QUILLON_JET_SAMPLES;
-    if (std::filesystem::is_directory(folder)) {
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-            if (entry.path().extension() == ".mdb") {
-                found.push_back(entry.path());
+    std::string lower;
+    for (const char c : sql) {
+        const char small = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        lower += small == '\n' || small == '\r' || small == '\t' ? ' ' : small;
+    }
+    // "on (b) and (a)" and "on (a) and (b)" are the same; sorted while the parentheses still show where each begins.
+    for (std::size_t on = lower.find(" on ("); on != std::string::npos; on = lower.find(" on (", on + 1)) {
+        std::vector<std::string> conditions;
+        std::size_t at = on + 4;
+        std::size_t end = at;
+        while (lower.compare(at, 1, "(") == 0) {
+            const std::size_t close = lower.find(')', at);
+            if (close == std::string::npos) {
+                break;
             }
+            conditions.push_back(lower.substr(at, close + 1 - at));
+            end = close + 1;
+            if (lower.compare(end, 5, " and ") != 0) {
+                break;
+            }
+            at = end + 5;
+        }
+        if (conditions.size() > 1) {
+            std::sort(conditions.begin(), conditions.end());
+            std::string sorted;
+            for (const std::string& condition : conditions) {
+                sorted += (sorted.empty() ? "" : " and ") + condition;
+            }
+            lower.replace(on + 4, end - (on + 4), sorted);
         }
     }
-    std::sort(found.begin(), found.end());
-    return found;
+    std::string result;
+    for (const char c : lower) {
+        if (std::string_view("[]() \0", 6).find(c) == std::string_view::npos) {
+            result += c;
+        }
+    }
+    return result;
 }
 
 } // namespace jet::test

@@ -37,7 +37,8 @@ struct Dump {
 /// Undoes the escapes of a text value.
 [[nodiscard]] std::string unescaped(const std::string& text);
 
-/// The samples that are there, as paths of the .mdb files; none without the folder.
-[[nodiscard]] std::vector<std::filesystem::path> samples();
+/// What two texts of the same statement have in common: no brackets, parentheses, blanks, line ends or capitals, and
+/// the conditions of a join in alphabetical order.
+[[nodiscard]] std::string essence(const std::string& sql);
 
 } // namespace jet::test

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <map>
 #include <string>
 
@@ -346,50 +345,6 @@ TEST(SavedQuerySql, AQueryOfThousandsOfSourcesIsRefusedSoon)
 
 // --- Queries that Access stored ---------------------------------------------------------------------------------
 
-/// What two texts of the same statement have in common: no brackets, parentheses, blanks, line ends or capitals, and
-/// the conditions of a join in alphabetical order.
-std::string essence(std::string sql)
-{
-    std::string lower;
-    for (const char c : sql) {
-        const char small = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        lower += small == '\n' || small == '\r' || small == '\t' ? ' ' : small;
-    }
-    // "on (b) and (a)" and "on (a) and (b)" are the same; sorted while the parentheses still show where each begins.
-    for (std::size_t on = lower.find(" on ("); on != std::string::npos; on = lower.find(" on (", on + 1)) {
-        std::vector<std::string> conditions;
-        std::size_t at = on + 4;
-        std::size_t end = at;
-        while (lower.compare(at, 1, "(") == 0) {
-            const std::size_t close = lower.find(')', at);
-            if (close == std::string::npos) {
-                break;
-            }
-            conditions.push_back(lower.substr(at, close + 1 - at));
-            end = close + 1;
-            if (lower.compare(end, 5, " and ") != 0) {
-                break;
-            }
-            at = end + 5;
-        }
-        if (conditions.size() > 1) {
-            std::sort(conditions.begin(), conditions.end());
-            std::string sorted;
-            for (const std::string& condition : conditions) {
-                sorted += (sorted.empty() ? "" : " and ") + condition;
-            }
-            lower.replace(on + 4, end - (on + 4), sorted);
-        }
-    }
-    std::string result;
-    for (const char c : lower) {
-        if (std::string_view("[]() \0", 6).find(c) == std::string_view::npos) {
-            result += c;
-        }
-    }
-    return result;
-}
-
 std::optional<std::u16string> textOrNull(const std::string& field)
 {
     return field == "\\N" ? std::nullopt : std::optional(toUtf16(test::unescaped(field)));
@@ -440,7 +395,7 @@ TEST(SavedQuerySql, QueriesOfAccessMeanWhatAnIndependentReaderMakesOfThem)
     for (const test::Fields& query : dumped) {
         SCOPED_TRACE(query.at(0));
         ASSERT_TRUE(stored.contains(query.at(0)));
-        EXPECT_EQ(essence(sqlOf(stored.at(query.at(0)))), essence(test::unescaped(query.at(2))));
+        EXPECT_EQ(test::essence(sqlOf(stored.at(query.at(0)))), test::essence(test::unescaped(query.at(2))));
     }
 }
 
