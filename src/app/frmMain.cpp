@@ -189,6 +189,7 @@ void frmMain::createFilterBar()
                                  QStringLiteral("The calendar is not in this version of Quillon: type the date."));
         button->setAccessibleName(meaning);
         button->setToolTip(button->statusTip());
+        button->setFixedWidth(button->sizeHint().height());
         button->setEnabled(false);
         return button;
     };

@@ -113,6 +113,7 @@ void frmAddBloodSugar::createControls()
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid);
+    layout->addSpacing(8);
     layout->addStretch();
     layout->addLayout(buttons);
 }

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <stdexcept>
+#include <string>
 
 namespace testing_windows {
 
@@ -19,11 +21,8 @@ template <typename Control>
 [[nodiscard]] Control& child(const QObject& parent, const char* name)
 {
     auto* found = parent.findChild<Control*>(QLatin1String(name));
-    if (found == nullptr) {
-        ADD_FAILURE() << "no control of this kind is called " << name;
-        static Control none;
-        return none;
-    }
+    if (found == nullptr)
+        throw std::invalid_argument(std::string("no control of this kind is called ") + name);
     return *found;
 }
 

@@ -1,0 +1,80 @@
+#include "readings/reading_entry.h"
+
+#include "readings/stored_readings.h"
+#include "runtime/conversions.h"
+#include "runtime/run_time_error.h"
+#include "support/test_diary.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace readings {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+int errorOf(const QString& path, const ReadingEntry& entry)
+{
+    try {
+        saveReading(path, entry);
+        return 0;
+    } catch (const runtime::RunTimeError& error) {
+        return error.number();
+    }
+}
+
+TEST(ReadingTypes, AreTheEightInTheOrderOfTheirCodes)
+{
+    std::vector<std::string> types;
+    for (const ReadingType& type : readingTypes())
+        types.push_back(std::to_string(type.code) + " " + type.name.toStdString());
+    EXPECT_THAT(types, ElementsAre("1 Getting Up", "2 Meal", "3 Meal + 2", "4 Meal + 3", "5 Pre Bed", "6 Calibration",
+                                   "7 Exercise", "8 Other"));
+}
+
+TEST(LikelyReadingType, FollowsTheHourOfTheDay)
+{
+    const auto at = [](const char* time) {
+        return likelyReadingType(runtime::toDate(QStringLiteral("03/03/2002 ") + QLatin1String(time)));
+    };
+    EXPECT_EQ(at("00:00"), 1);
+    EXPECT_EQ(at("08:59"), 1) << "08:59 is getting up";
+    EXPECT_EQ(at("09:00"), 2) << "09:00 is a meal";
+    EXPECT_EQ(at("21:59"), 2) << "21:59 is a meal";
+    EXPECT_EQ(at("22:00"), 5) << "22:00 is pre bed";
+    EXPECT_EQ(at("23:59"), 5);
+}
+
+TEST(SaveReading, StoresTheSumOfDateAndTime)
+{
+    const TestDiary diary;
+    saveReading(diary.path(), {"5.6", "03/Mar/2002", "08:15", 3, "after a walk"});
+    EXPECT_THAT(storedReadings(diary.path()), ElementsAre("5.6 | 03/03/2002 08:15:00 | 3 | after a walk"));
+}
+
+TEST(SaveReading, StoresACommentOfFiftyCharactersWhole)
+{
+    const TestDiary diary;
+    const std::string fifty = "12345678901234567890123456789012345678901234567890";
+    saveReading(diary.path(), {"5.6", "03/03/2002", "08:15", 3, QString::fromStdString(fifty)});
+    EXPECT_THAT(storedReadings(diary.path()), ElementsAre("5.6 | 03/03/2002 08:15:00 | 3 | " + fifty));
+}
+
+TEST(SaveReading, ATextThatIsNoNumberOrDateStoresNothing)
+{
+    const TestDiary diary;
+    EXPECT_EQ(errorOf(diary.path(), {"five", "03/03/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOf(diary.path(), {"", "03/03/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOf(diary.path(), {"5.6", "31/02/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOf(diary.path(), {"5.6", "03/03/2002", "25:00", 3, ""}), 13);
+    EXPECT_THAT(storedReadings(diary.path()), IsEmpty());
+}
+
+TEST(SaveReading, WithoutAFileIsAnError)
+{
+    EXPECT_EQ(errorOf("/nowhere/Nutrition.mdb", {"5.6", "3/3/2002", "8:15", 3, ""}), 3024);
+}
+
+} // namespace
+} // namespace readings
