@@ -79,10 +79,10 @@ private:
         return true;
     }
 
-    [[nodiscard]] bool bitFor(PageNumber page) const
+    // What a new form of the map says of a page; `known` is the old form there.
+    [[nodiscard]] bool bitFor(const std::optional<MapStretch>& known, PageNumber page) const
     {
-        const std::optional<MapStretch> stretch = map_.stretch(map_.stretchOf(page));
-        return stretch && stretch->covers(page) ? stretch->contains(page) : page >= pager_.pageCount();
+        return known && known->covers(page) ? known->contains(page) : page >= pager_.pageCount();
     }
 
     // Lengthens an inline map in both directions as needed, or makes it a reference map when its page is full.
@@ -101,8 +101,9 @@ private:
         Bytes row(UsageMapRow::kInlineHeader + size);
         initializeInlineMap(row, static_cast<PageNumber>(start));
         const MutableBytes bits = MutableBytes(row).subspan(UsageMapRow::kInlineHeader);
+        const std::optional<MapStretch> known = map_.stretch(0);
         for (std::size_t i = 0; i < size * 8; ++i) {
-            setBit(bits, i, bitFor(static_cast<PageNumber>(start) + static_cast<PageNumber>(i)));
+            setBit(bits, i, bitFor(known, static_cast<PageNumber>(start) + static_cast<PageNumber>(i)));
         }
         DataPageEditor(pager_.modify(where_.page), where_.page).replace(where_.row, row, SlotKind::Row);
     }
@@ -143,8 +144,9 @@ private:
         Page page{};
         initializeBitmapPage(page);
         const auto first = static_cast<PageNumber>(index * kPagesPerBitmap);
+        const std::optional<MapStretch> known = map_.stretch(map_.stretchOf(first));
         for (std::size_t i = 0; i < kPagesPerBitmap; ++i) {
-            setBit(bitmapOf(MutableBytes(page)), i, bitFor(first + static_cast<PageNumber>(i)));
+            setBit(bitmapOf(MutableBytes(page)), i, bitFor(known, first + static_cast<PageNumber>(i)));
         }
         pager_.modify(bitmap) = page;
     }
