@@ -3,13 +3,14 @@
 #include "reports/basic_report.h"
 
 #include <algorithm>
+#include <array>
 
 namespace reports {
 
 std::span<const Report> allReports()
 {
-    static const Report reports[] = {
-        {QStringLiteral("basic"), QStringLiteral("Basic Blood Sugar Data"), buildBasicReport},
+    static const std::array reports = {
+        Report{QStringLiteral("basic"), QStringLiteral("Basic Blood Sugar Data"), buildBasicReport},
     };
     return reports;
 }

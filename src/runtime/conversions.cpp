@@ -54,17 +54,17 @@ Integer toWhole(const Value& value)
 
 /// A member for each kind of value, so that a new kind does not compile until it is thought of here.
 struct ToDouble {
-    double operator()(Null) const { throw RunTimeError(ErrorNumber::InvalidUseOfNull); }
+    double operator()(Null /*value*/) const { throw RunTimeError(ErrorNumber::InvalidUseOfNull); }
     double operator()(bool value) const { return value ? -1 : 0; }
     double operator()(qint32 value) const { return value; }
     double operator()(double value) const { return value; }
     double operator()(Date value) const { return value.days; }
     double operator()(const QString& value) const { return numberIn(value); }
-    double operator()(const QByteArray&) const { throw RunTimeError(ErrorNumber::TypeMismatch); }
+    double operator()(const QByteArray& /*value*/) const { throw RunTimeError(ErrorNumber::TypeMismatch); }
 };
 
 struct ToText {
-    QString operator()(Null) const { return {}; }
+    QString operator()(Null /*value*/) const { return {}; }
     QString operator()(bool value) const { return value ? QStringLiteral("True") : QStringLiteral("False"); }
     QString operator()(qint32 value) const { return QString::number(value); }
     QString operator()(double value) const { return numberToText(value, currentLocale()); }

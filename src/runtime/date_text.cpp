@@ -108,7 +108,7 @@ private:
         return longest > 0;
     }
 
-    bool endsAtSeparator(qsizetype position) const
+    [[nodiscard]] bool endsAtSeparator(qsizetype position) const
     {
         return position < rest_.size() && (isMark(rest_[position]) || rest_[position].isSpace());
     }

@@ -78,7 +78,7 @@ private:
         return count;
     }
 
-    bool atGroupSeparator() const
+    [[nodiscard]] bool atGroupSeparator() const
     {
         const QString separator = locale_.groupSeparator();
         return separator.size() == 1 && rest_.size() > 1 &&
@@ -120,7 +120,7 @@ private:
         return readDigits() > 0;
     }
 
-    std::optional<double> convert() const
+    [[nodiscard]] std::optional<double> convert() const
     {
         double number = 0;
         const auto [end, error] = std::from_chars(ascii_.data(), ascii_.data() + ascii_.size(), number);

@@ -108,7 +108,7 @@ RunTimeError::RunTimeError(ErrorNumber number) : RunTimeError(number, usualWords
 
 RunTimeError RunTimeError::withHint(const QString& hint) const
 {
-    return RunTimeError(number_, words_, hint);
+    return {number_, words_, hint};
 }
 
 QString RunTimeError::text() const
