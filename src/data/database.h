@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/recordset.h"
+#include "runtime/clock.h"
 
 #include <QString>
 #include <QStringList>
@@ -25,6 +26,8 @@ public:
     [[nodiscard]] Recordset openRecordset(const QString& source);
     /// A delete statement; returns how many records went. Atomic and durable when it returns.
     qsizetype execute(const QString& sql);
+    /// What Date(), Time() and Now() in SQL ask; the system's clock unless another is set, which must outlive this.
+    void setClock(const runtime::Clock& clock);
 
     /// Several changes as one: all of it or nothing. Destroyed without commit it rolls back.
     class Batch

@@ -49,6 +49,10 @@ public:
 
 private:
     struct State;
+    [[nodiscard]] State& open() const;
+    [[nodiscard]] int positionOf(const QString& name) const;
+    void requireUpdatable() const;
+
     std::unique_ptr<State> state_;
 };
 

@@ -1,0 +1,106 @@
+#include "data/engine/sql_connection.h"
+
+#include "data/engine/sqlite_value.h"
+#include "runtime/run_time_error.h"
+
+#include <QStringList>
+
+namespace data {
+namespace {
+
+int authorize(void*, int action, const char*, const char*, const char*, const char*)
+{
+    const bool reads = action == SQLITE_SELECT || action == SQLITE_READ || action == SQLITE_FUNCTION;
+    return reads ? SQLITE_OK : SQLITE_DENY;
+}
+
+struct Finalize {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+using StatementHandle = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+} // namespace
+
+runtime::Value ResultRow::value(int column) const
+{
+    return valueOf(sqlite3_column_value(statement_, column));
+}
+
+qint64 ResultRow::number(int column) const
+{
+    return sqlite3_column_int64(statement_, column);
+}
+
+SqlConnection::SqlConnection() : functions_(pending_)
+{
+    sqlite3* connection = nullptr;
+    const int code = sqlite3_open_v2(":memory:", &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+    connection_.reset(connection);
+    if (code != SQLITE_OK) {
+        throw std::bad_alloc();
+    }
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    // Texts stay as the file's values have them, and no sorting writes health records to a temporary file.
+    sqlite3_exec(connection, "PRAGMA encoding='UTF-16'; PRAGMA temp_store=MEMORY;", nullptr, nullptr, nullptr);
+    functions_.registerAll(connection);
+    sqlite3_set_authorizer(connection, authorize, nullptr);
+}
+
+SqlConnection::~SqlConnection() = default;
+
+void SqlConnection::addTable(const QString& sqlName, jet::Table& table)
+{
+    tables_.push_back(std::make_unique<TableBinding>(table, pending_));
+    if (const int code = registerTable(connection_.get(), sqlName, *tables_.back()); code != SQLITE_OK) {
+        fail(code);
+    }
+}
+
+void SqlConnection::fail(int code)
+{
+    pending_.rethrow();
+    if (code == SQLITE_NOMEM) {
+        throw std::bad_alloc();
+    }
+    const auto* message = static_cast<const QChar*>(sqlite3_errmsg16(connection_.get()));
+    throw runtime::RunTimeError(runtime::ErrorNumber::QueryTooComplex).withHint(QString(message));
+}
+
+void SqlConnection::run(const SqlText& text, const std::function<void(const ResultRow&)>& eachRow)
+{
+    pending_.clear();
+    sqlite3_stmt* prepared = nullptr;
+    const int bytes = static_cast<int>(text.sql.size() * 2);
+    int code = sqlite3_prepare16_v2(connection_.get(), text.sql.utf16(), bytes, &prepared, nullptr);
+    const StatementHandle statement(prepared);
+    for (std::size_t i = 0; i < text.parameters.size() && code == SQLITE_OK; ++i) {
+        const int number = static_cast<int>(i) + 1;
+        // A parameter that the final text no longer needs is unknown to the statement.
+        if (number <= sqlite3_bind_parameter_count(prepared)) {
+            code = bindParameter(prepared, number, text.parameters[i]);
+        }
+    }
+    if (code != SQLITE_OK) {
+        fail(code);
+    }
+    for (code = sqlite3_step(prepared); code == SQLITE_ROW; code = sqlite3_step(prepared)) {
+        eachRow(ResultRow(prepared));
+    }
+    if (code != SQLITE_DONE) {
+        fail(code);
+    }
+}
+
+QStringList SqlConnection::planOf(const SqlText& text)
+{
+    constexpr int kDetailColumn = 3;
+    QStringList plan;
+    run({QStringLiteral("EXPLAIN QUERY PLAN ") + text.sql, text.parameters},
+        [&](const ResultRow& row) { plan.append(std::get<QString>(row.value(kDetailColumn))); });
+    return plan;
+}
+
+} // namespace data

@@ -1,0 +1,55 @@
+// The SQLite connection that runs queries over the file's tables.
+#pragma once
+
+#include "data/engine/sqlite_functions.h"
+#include "data/engine/table_module.h"
+#include "data/language/sql_translator.h"
+
+#include <functional>
+#include <memory>
+
+namespace data {
+
+/// A row at hand while a statement runs.
+class ResultRow
+{
+public:
+    explicit ResultRow(sqlite3_stmt* statement) : statement_(statement) {}
+    [[nodiscard]] runtime::Value value(int column) const;
+    [[nodiscard]] qint64 number(int column) const;
+
+private:
+    sqlite3_stmt* statement_;
+};
+
+/// Lives in memory and holds no data of its own. It may only select: an authorizer refuses everything else, so that no
+/// SQL text reaches another file.
+class SqlConnection
+{
+public:
+    SqlConnection();
+    SqlConnection(const SqlConnection&) = delete;
+    SqlConnection& operator=(const SqlConnection&) = delete;
+    ~SqlConnection();
+
+    /// The table must live as long as the connection.
+    void addTable(const QString& sqlName, jet::Table& table);
+    /// Runs a SELECT to its end. Throws what a callback threw, RunTimeError 3360 for a statement beyond SQLite's
+    /// limits, and std::bad_alloc.
+    void run(const SqlText& text, const std::function<void(const ResultRow&)>& eachRow);
+    /// How SQLite would run it: what EXPLAIN QUERY PLAN says, a line a step.
+    [[nodiscard]] QStringList planOf(const SqlText& text);
+
+private:
+    struct Close {
+        void operator()(sqlite3* connection) const { sqlite3_close_v2(connection); }
+    };
+    [[noreturn]] void fail(int code);
+
+    PendingError pending_;
+    FunctionRegistry functions_;
+    std::vector<std::unique_ptr<TableBinding>> tables_;
+    std::unique_ptr<sqlite3, Close> connection_; ///< closed first, for it refers to all the others
+};
+
+} // namespace data

@@ -1,0 +1,266 @@
+#include "data/engine/table_module.h"
+
+#include "data/engine/search_key.h"
+#include "data/engine/sqlite_value.h"
+#include "data/engine/value_conversion.h"
+#include "data/language/translation.h"
+
+#include <algorithm>
+
+namespace data {
+namespace {
+
+struct VirtualTable : sqlite3_vtab {
+    explicit VirtualTable(TableBinding& source) : sqlite3_vtab{}, binding(source) {}
+    TableBinding& binding;
+};
+
+struct VirtualCursor : sqlite3_vtab_cursor {
+    explicit VirtualCursor(TableBinding& source) : sqlite3_vtab_cursor{}, binding(source) {}
+    TableBinding& binding;
+    std::unique_ptr<jet::RowCursor> rows;
+    bool atEnd = true;
+
+    void next() { atEnd = rows == nullptr || !rows->next(); }
+};
+
+TableBinding& bindingOf(sqlite3_vtab* table)
+{
+    return static_cast<VirtualTable*>(table)->binding;
+}
+
+VirtualCursor& cursorOf(sqlite3_vtab_cursor* cursor)
+{
+    return *static_cast<VirtualCursor*>(cursor);
+}
+
+std::vector<SearchableIndex> searchableIndexes(const jet::Table& table, const std::vector<jet::Column>& columns)
+{
+    std::vector<SearchableIndex> result;
+    const std::vector<jet::RealIndex>& indexes = table.definition().realIndexes;
+    for (std::size_t i = 0; i < indexes.size(); ++i) {
+        SearchableIndex index;
+        index.realIndex = i;
+        index.unique = indexes[i].isUnique();
+        index.ignoresNulls = indexes[i].ignoresNulls();
+        index.rowsPerKey =
+            indexes[i].distinctKeys == 0
+                ? 1
+                : std::max(1.0, static_cast<double>(table.rowCount()) / static_cast<double>(indexes[i].distinctKeys));
+        bool searchable = table.isSearchable(i);
+        for (const jet::KeyColumn& key : indexes[i].columns) {
+            const auto column = std::find_if(columns.begin(), columns.end(), [&](const jet::Column& candidate) {
+                return candidate.number == key.columnNumber;
+            });
+            searchable = searchable && column != columns.end() && isSearchableType(column->type);
+            if (searchable) {
+                index.keys.push_back({static_cast<int>(column - columns.begin()), key.ascending});
+                index.keepsOrder = index.keepsOrder && column->type != jet::ColumnType::Memo;
+            }
+        }
+        if (searchable) {
+            result.push_back(std::move(index));
+        }
+    }
+    return result;
+}
+
+/// "CREATE TABLE t(c0 INTEGER, c1 TEXT COLLATE jet_text, ..., row INTEGER)".
+QByteArray declarationOf(const std::vector<jet::Column>& columns)
+{
+    QString sql = QStringLiteral("CREATE TABLE t(");
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const ExpressionType type = typeOf(fieldOf(columns[i]).type);
+        QString declared = QStringLiteral("REAL");
+        if (type.isText()) {
+            declared = QStringLiteral("TEXT COLLATE ") + kTextCollation;
+        } else if (type.isWhole()) {
+            declared = QStringLiteral("INTEGER");
+        } else if (type.is(FieldType::Binary)) {
+            declared = QStringLiteral("BLOB");
+        }
+        sql += QStringLiteral("c%1 %2, ").arg(i).arg(declared);
+    }
+    return (sql + QStringLiteral("row INTEGER)")).toUtf8();
+}
+
+int connectTable(sqlite3* connection, void* context, int, const char* const*, sqlite3_vtab** table, char**)
+{
+    auto& binding = *static_cast<TableBinding*>(context);
+    return binding.pending.guard([&] {
+        if (sqlite3_declare_vtab(connection, declarationOf(binding.columns).constData()) != SQLITE_OK) {
+            throw std::bad_alloc();
+        }
+        *table = std::make_unique<VirtualTable>(binding).release();
+    });
+}
+
+int disconnectTable(sqlite3_vtab* table)
+{
+    const std::unique_ptr<VirtualTable> owner(static_cast<VirtualTable*>(table));
+    return SQLITE_OK;
+}
+
+PlanQuestion questionOf(const TableBinding& binding, const sqlite3_index_info& info)
+{
+    PlanQuestion question;
+    question.addressColumn = static_cast<int>(binding.columns.size());
+    question.rowCount = binding.table.rowCount();
+    for (int i = 0; i < info.nConstraint; ++i) {
+        const auto& constraint = info.aConstraint[i];
+        if (constraint.usable == 0 || constraint.iColumn < 0) {
+            continue;
+        }
+        switch (constraint.op) {
+        case SQLITE_INDEX_CONSTRAINT_EQ:
+            question.constraints.push_back({constraint.iColumn, PlanQuestion::Comparison::Equal, i});
+            break;
+        case SQLITE_INDEX_CONSTRAINT_GT:
+        case SQLITE_INDEX_CONSTRAINT_GE:
+            question.constraints.push_back({constraint.iColumn, PlanQuestion::Comparison::Lower, i});
+            break;
+        case SQLITE_INDEX_CONSTRAINT_LT:
+        case SQLITE_INDEX_CONSTRAINT_LE:
+            question.constraints.push_back({constraint.iColumn, PlanQuestion::Comparison::Upper, i});
+            break;
+        default:
+            break;
+        }
+    }
+    for (int i = 0; i < info.nOrderBy; ++i) {
+        const int column = info.aOrderBy[i].iColumn;
+        question.order.push_back({column < 0 ? question.addressColumn : column, info.aOrderBy[i].desc != 0});
+    }
+    return question;
+}
+
+int bestIndex(sqlite3_vtab* table, sqlite3_index_info* info)
+{
+    TableBinding& binding = bindingOf(table);
+    return binding.pending.guard([&] {
+        const IndexPlan plan = bestPlan(questionOf(binding, *info), binding.indexes);
+        int argument = 0;
+        for (const int number : plan.constraints) {
+            info->aConstraintUsage[number].argvIndex = ++argument;
+        }
+        info->idxNum = plan.number;
+        info->idxStr = sqlite3_mprintf("%s", plan.values.c_str());
+        if (info->idxStr == nullptr) {
+            throw std::bad_alloc();
+        }
+        info->needToFreeIdxStr = 1;
+        info->orderByConsumed = plan.ordered ? 1 : 0;
+        info->estimatedCost = plan.cost;
+        info->estimatedRows = static_cast<sqlite3_int64>(plan.rows);
+    });
+}
+
+int openCursor(sqlite3_vtab* table, sqlite3_vtab_cursor** cursor)
+{
+    TableBinding& binding = bindingOf(table);
+    return binding.pending.guard([&] { *cursor = std::make_unique<VirtualCursor>(binding).release(); });
+}
+
+int closeCursor(sqlite3_vtab_cursor* cursor)
+{
+    const std::unique_ptr<VirtualCursor> owner(static_cast<VirtualCursor*>(cursor));
+    return SQLITE_OK;
+}
+
+std::unique_ptr<jet::RowCursor> rowsOf(const TableBinding& binding, int number, std::string_view codes,
+                                       const std::vector<runtime::Value>& values)
+{
+    if (number == 0) {
+        return binding.table.scan();
+    }
+    const auto realIndex = static_cast<std::size_t>((number & ~IndexPlan::kBackwards) - 1);
+    const auto index = std::find_if(binding.indexes.begin(), binding.indexes.end(),
+                                    [&](const SearchableIndex& candidate) { return candidate.realIndex == realIndex; });
+    std::vector<KeyPart> parts;
+    for (const SearchableIndex::Key& key : index->keys) {
+        parts.push_back({binding.columns[static_cast<std::size_t>(key.column)].type, key.ascending});
+    }
+    const std::optional<jet::KeyRange> range = keyRange(codes, values, parts);
+    return range ? binding.table.range(realIndex, *range, (number & IndexPlan::kBackwards) != 0) : nullptr;
+}
+
+int filter(sqlite3_vtab_cursor* base, int number, const char* codes, int count, sqlite3_value** arguments)
+{
+    VirtualCursor& cursor = cursorOf(base);
+    return cursor.binding.pending.guard([&] {
+        std::vector<runtime::Value> values;
+        for (int i = 0; i < count; ++i) {
+            values.push_back(valueOf(arguments[i]));
+        }
+        cursor.rows = rowsOf(cursor.binding, number, codes, values);
+        cursor.next();
+    });
+}
+
+int next(sqlite3_vtab_cursor* base)
+{
+    VirtualCursor& cursor = cursorOf(base);
+    return cursor.binding.pending.guard([&] { cursor.next(); });
+}
+
+int atEnd(sqlite3_vtab_cursor* cursor)
+{
+    return cursorOf(cursor).atEnd ? 1 : 0;
+}
+
+int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int position)
+{
+    VirtualCursor& cursor = cursorOf(base);
+    return cursor.binding.pending.guard([&] {
+        const auto index = static_cast<std::size_t>(position);
+        if (index >= cursor.binding.columns.size()) {
+            sqlite3_result_int64(context, rowIdOf(cursor.rows->row().address()));
+        } else {
+            setResult(context, fromFile(cursor.rows->row().value(cursor.binding.columns[index])));
+        }
+    });
+}
+
+int rowId(sqlite3_vtab_cursor* base, sqlite3_int64* id)
+{
+    VirtualCursor& cursor = cursorOf(base);
+    return cursor.binding.pending.guard([&] { *id = rowIdOf(cursor.rows->row().address()); });
+}
+
+/// No xCreate: the module's name is the table's, and nothing has to be created.
+const sqlite3_module& module()
+{
+    static const sqlite3_module module = [] {
+        sqlite3_module result{};
+        result.iVersion = 1;
+        result.xConnect = connectTable;
+        result.xBestIndex = bestIndex;
+        result.xDisconnect = disconnectTable;
+        result.xOpen = openCursor;
+        result.xClose = closeCursor;
+        result.xFilter = filter;
+        result.xNext = next;
+        result.xEof = atEnd;
+        result.xColumn = column;
+        result.xRowid = rowId;
+        return result;
+    }();
+    return module;
+}
+
+} // namespace
+
+TableBinding::TableBinding(jet::Table& source, PendingError& errors) : table(source), pending(errors)
+{
+    for (const jet::Column* column : source.definition().displayOrder()) {
+        columns.push_back(*column);
+    }
+    indexes = searchableIndexes(source, columns);
+}
+
+int registerTable(sqlite3* connection, const QString& name, TableBinding& binding)
+{
+    return sqlite3_create_module_v2(connection, name.toUtf8().constData(), &module(), &binding, nullptr);
+}
+
+} // namespace data
