@@ -1,0 +1,26 @@
+// A new diary file with its tables, saved queries and foods.
+#pragma once
+
+#include "runtime/clock.h"
+
+#include <QString>
+
+namespace data {
+
+struct NewDiary {
+    QString path;
+    QString foodsCsv;   ///< the food table to fill in; empty: no foods
+    int sampleDays = 0; ///< so many invented days up to today, today included
+};
+
+struct NewDiaryContent {
+    int foods = 0;
+    int readings = 0;
+    int meals = 0;
+};
+
+/// Makes the file, whole or not at all. Errors are runtime::RunTimeError: 58 "File already exists." when there is
+/// something at the path, 13 or 53 for the food table (see foods_csv.h), 3026 or 3043 for the disk.
+NewDiaryContent createDiary(const NewDiary& diary, const runtime::Clock& clock);
+
+} // namespace data
