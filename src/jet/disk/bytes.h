@@ -46,7 +46,7 @@ void putLittleEndian(MutableBytes bytes, std::size_t offset, Number number)
 {
     const MutableBytes part = slice(bytes, offset, Size);
     for (std::size_t i = 0; i < Size; ++i) {
-        part[i] = static_cast<std::byte>((number >> (8U * i)) & 0xFFU);
+        part[i] = static_cast<std::byte>((std::uint64_t{number} >> (8U * i)) & 0xFFU);
     }
 }
 
@@ -67,7 +67,7 @@ void putBigEndian(MutableBytes bytes, std::size_t offset, Number number)
 {
     const MutableBytes part = slice(bytes, offset, Size);
     for (std::size_t i = 0; i < Size; ++i) {
-        part[Size - 1 - i] = static_cast<std::byte>((number >> (8U * i)) & 0xFFU);
+        part[Size - 1 - i] = static_cast<std::byte>((std::uint64_t{number} >> (8U * i)) & 0xFFU);
     }
 }
 

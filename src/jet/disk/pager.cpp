@@ -1,5 +1,6 @@
 #include "jet/disk/pager.h"
 
+#include "jet/disk/file_version.h"
 #include "jet/disk/journal.h"
 #include "jet/disk/page_cache.h"
 #include "jet/disk/page_changes.h"
@@ -14,40 +15,11 @@ namespace jet {
 
 namespace {
 
-// FORMAT.md, "The file and its header page": 256 pairs of bytes that engines change when they write.
-constexpr std::size_t kCommitPairsOffset = 0xE00;
-constexpr std::size_t kCommitPairsSize = 512;
-
 // When pages are asked for one after the other, this many are fetched at once.
 constexpr std::size_t kPagesReadAhead = 16;
 
 // Adjacent pages go out in one write up to this many.
 constexpr std::size_t kPagesInWrite = 256;
-
-/// What tells whether another program has changed the file.
-struct FileVersion {
-    FileStamp stamp;
-    std::array<std::byte, kCommitPairsSize> commitPairs{};
-    bool operator==(const FileVersion&) const = default;
-};
-
-FileVersion versionOf(File& file)
-{
-    FileVersion version{.stamp = file.stamp()};
-    if (version.stamp.size >= kPageSize) {
-        file.readAt(kCommitPairsOffset, version.commitPairs);
-    }
-    return version;
-}
-
-/// The page 0 that a commit is to write: its count differs from the one before, and its pair is never 00 00.
-PageRef withCommitCounted(const Page& before, const Page& after)
-{
-    auto counted = std::make_shared<Page>(after);
-    const std::uint8_t count = getU8(before, kCommitPairsOffset);
-    putU8(*counted, kCommitPairsOffset, count == 0xFF ? std::uint8_t{1} : static_cast<std::uint8_t>(count + 1));
-    return counted;
-}
 
 void writePages(File& file, std::span<const ChangedPage> pages)
 {
@@ -306,7 +278,7 @@ private:
 
     void checkVersion()
     {
-        const FileVersion found = versionOf(*file_);
+        const FileVersion found = FileVersion::of(*file_);
         if (found.stamp.size > pageOffset(kMaxPageCount)) {
             throw Error(ErrorCode::Corrupt, "The file " + path_ + " is larger than the 2 GiB that the format allows");
         }
@@ -404,7 +376,6 @@ private:
             return false;
         }
         journal_.discardUnfinished();
-        version_.reset();
         rollback();
         return true;
     }
@@ -417,7 +388,7 @@ private:
             for (const ChangedPage& page : pages) {
                 cache_.put(page.number, page.after);
             }
-            version_ = versionOf(*file_);
+            version_ = FileVersion::of(*file_);
         } catch (...) {
             cache_.clear();
             version_.reset();

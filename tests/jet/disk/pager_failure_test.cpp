@@ -218,6 +218,58 @@ TEST_P(EveryCommit, OfAConnectionThatLivesOnIsTakenBackAtOnceOrTheConnectionSays
     EXPECT_GT(faults, 20U);
 }
 
+TEST(FailedCommit, WhoseEndIsNotDurableIsTakenBack)
+{
+    MemoryFileSystem disk;
+    disk.setContent(kPath, filledPages({1, 2}));
+    FaultFileSystem faulty(disk);
+    Pager pager(faulty, kPath, OpenMode::ReadWrite, impatient());
+    pager.begin();
+    mark(pager, 1, 22);
+    faulty.set({.at = 1, .call = Call::SyncFolder}); // the one that makes the journal's going durable
+    EXPECT_THAT([&] { pager.commit(); }, throwsError(ErrorCode::Io));
+    EXPECT_TRUE(faulty.hasFailed());
+    EXPECT_EQ(disk.content(kPath), filledPages({1, 2}));
+    EXPECT_EQ(marks(pager), (std::vector{1, 2}));
+}
+
+/// Fails when the journal's going is made durable, and again when the journal is to have its name back.
+class NoWayBack final : public ForwardingFileSystem
+{
+public:
+    using ForwardingFileSystem::ForwardingFileSystem;
+    void syncFolderOf(const std::string& path) override
+    {
+        if (!exists(kJournalPath)) {
+            throw Error(ErrorCode::Io, "The folder cannot be synced");
+        }
+        ForwardingFileSystem::syncFolderOf(path);
+    }
+    void rename(const std::string& from, const std::string& to) override
+    {
+        if (to == kJournalPath && ++comings_ > 1) {
+            throw Error(ErrorCode::Io, "The journal cannot be renamed");
+        }
+        ForwardingFileSystem::rename(from, to);
+    }
+
+private:
+    int comings_ = 0;
+};
+
+TEST(FailedCommit, WithoutItsJournalIsNotTakenForUndone)
+{
+    MemoryFileSystem disk;
+    disk.setContent(kPath, filledPages({1, 2}));
+    NoWayBack noWayBack(disk);
+    Pager pager(noWayBack, kPath, OpenMode::ReadWrite, impatient());
+    pager.begin();
+    mark(pager, 1, 22);
+    EXPECT_THAT([&] { pager.commit(); }, throwsError(ErrorCode::Io, "could not be taken back"));
+    EXPECT_THAT([&] { pager.beginRead(); }, throwsError(ErrorCode::Io, "open the file again"));
+    EXPECT_EQ(marksOfFile(disk), (std::vector{1, 22})) << "the file is whole all the same";
+}
+
 class EveryRecovery : public testing::Test
 {
 protected:
