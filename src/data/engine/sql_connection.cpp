@@ -8,10 +8,12 @@
 namespace data {
 namespace {
 
-int authorize(void*, int action, const char*, const char*, const char*, const char*)
+/// The context tells whether a virtual table is declaring its columns, which SQLite counts as an update of its schema.
+int authorize(void* declaring, int action, const char*, const char*, const char*, const char*)
 {
     const bool reads = action == SQLITE_SELECT || action == SQLITE_READ || action == SQLITE_FUNCTION;
-    return reads ? SQLITE_OK : SQLITE_DENY;
+    const bool declares = action == SQLITE_UPDATE && *static_cast<const bool*>(declaring);
+    return reads || declares ? SQLITE_OK : SQLITE_DENY;
 }
 
 struct Finalize {
@@ -46,7 +48,7 @@ SqlConnection::SqlConnection() : functions_(pending_)
     // Texts stay as the file's values have them, and no sorting writes health records to a temporary file.
     sqlite3_exec(connection, "PRAGMA encoding='UTF-16'; PRAGMA temp_store=MEMORY;", nullptr, nullptr, nullptr);
     functions_.registerAll(connection);
-    sqlite3_set_authorizer(connection, authorize, nullptr);
+    sqlite3_set_authorizer(connection, authorize, &declaring_);
 }
 
 SqlConnection::~SqlConnection() = default;
@@ -54,7 +56,17 @@ SqlConnection::~SqlConnection() = default;
 void SqlConnection::addTable(const QString& sqlName, jet::Table& table)
 {
     tables_.push_back(std::make_unique<TableBinding>(table, pending_));
-    if (const int code = registerTable(connection_.get(), sqlName, *tables_.back()); code != SQLITE_OK) {
+    int code = registerTable(connection_.get(), sqlName, *tables_.back());
+    if (code == SQLITE_OK) {
+        // The first use connects it.
+        const QByteArray firstUse = "SELECT 1 FROM " + sqlName.toUtf8();
+        sqlite3_stmt* prepared = nullptr;
+        declaring_ = true;
+        code = sqlite3_prepare_v2(connection_.get(), firstUse.constData(), -1, &prepared, nullptr);
+        declaring_ = false;
+        sqlite3_finalize(prepared);
+    }
+    if (code != SQLITE_OK) {
         fail(code);
     }
 }

@@ -46,6 +46,7 @@ private:
     };
     [[noreturn]] void fail(int code);
 
+    bool declaring_ = false; ///< a table that is being added makes its columns known
     PendingError pending_;
     FunctionRegistry functions_;
     std::vector<std::unique_ptr<TableBinding>> tables_;
