@@ -8,3 +8,7 @@ if(QUILLON_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quillon_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(QUILLON_FUZZERS)
+  # libFuzzer is led by the coverage of all code; the fuzz targets alone link its main.
+  target_compile_options(quillon_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
