@@ -21,6 +21,8 @@ constexpr std::size_t kMask = 27;
 constexpr std::size_t kEntries = 480;
 constexpr std::size_t kMaskSize = kEntries - kMask;
 
+constexpr std::size_t kUsualEntries = 512; // room for what most pages hold
+
 constexpr std::size_t kRowSize = 4;
 constexpr std::size_t kChildSize = 4;
 
@@ -32,6 +34,14 @@ int compareBytes(ByteView a, ByteView b)
         return order;
     }
     return a.size() < b.size() ? -1 : 1;
+}
+
+/// Sets or clears the bit that tells that an entry ends there.
+void mark(Page& page, std::size_t end, bool on)
+{
+    std::byte& bits = page[kMask + end / 8];
+    const std::byte bit = std::byte{1} << static_cast<int>(end % 8);
+    bits = on ? bits | bit : bits & ~bit;
 }
 
 /// Bytes behind the key of an entry.
@@ -58,41 +68,46 @@ IndexPage::IndexPage(PageRef page, PageNumber number) : page_(std::move(page)), 
     header_.previous = getU32(bytes, kPrevious);
     header_.next = getU32(bytes, kNext);
     header_.tail = isLeaf() ? 0 : getU32(bytes, kTail);
-    readMask(slice(bytes, kMask, kMaskSize));
-    const std::size_t used = ends_.empty() ? 0 : ends_.back();
-    if (getU16(bytes, kFree) != kIndexEntryArea - used) {
-        refuse("states a wrong free count");
-    }
-    prefix_ = ends_.empty() ? 0 : getU16(bytes, kPrefix);
-    checkEntries();
-}
-
-void IndexPage::readMask(ByteView mask)
-{
-    ends_.reserve(512);
-    for (std::size_t i = 0; i < mask.size(); ++i) {
-        for (unsigned bits = std::to_integer<unsigned>(mask[i]); bits != 0; bits &= bits - 1) {
-            ends_.push_back(static_cast<std::uint16_t>(8 * i + static_cast<std::size_t>(std::countr_zero(bits))));
-        }
-    }
-    if (!ends_.empty() && (ends_.front() == 0 || ends_.back() > kIndexEntryArea)) {
-        refuse("marks an entry outside the entry area");
-    }
-}
-
-void IndexPage::checkEntries()
-{
+    readEntries();
     if (ends_.empty() && !isLeaf() && header_.tail == 0) {
         refuse("is a node without children");
     }
-    if (!ends_.empty() && prefix_ >= ends_.front()) {
-        refuse("states a prefix that leaves nothing of its first entry");
+    if (getU16(bytes, kFree) != kIndexEntryArea - used()) {
+        refuse("states a wrong free count");
     }
-    for (std::size_t entry = 0; entry < ends_.size(); ++entry) {
-        if (shared(entry).size() + stored(entry).size() <= trailerSize(header_.kind)) {
-            refuse("holds an entry without a key");
+}
+
+void IndexPage::readEntries()
+{
+    const ByteView bytes(*page_);
+    const std::size_t prefix = getU16(bytes, kPrefix);
+    const std::size_t trailer = trailerSize(header_.kind);
+    ends_.reserve(kUsualEntries);
+    std::size_t start = 0;
+    for (std::size_t bit = 0; bit < 8 * kMaskSize; bit += 64) {
+        // The last word reaches into the first entry.
+        const std::size_t valid = 8 * kMaskSize - bit;
+        std::uint64_t word = getU64(bytes, kMask + bit / 8);
+        if (valid < 64) {
+            word &= (std::uint64_t{1} << valid) - 1;
+        }
+        for (; word != 0; word &= word - 1) {
+            const std::size_t end = bit + static_cast<std::size_t>(std::countr_zero(word));
+            const std::size_t length = end - start + (ends_.empty() ? 0 : prefix);
+            if (length <= trailer) {
+                refuse("holds an entry without a key");
+            }
+            ends_.push_back(static_cast<std::uint16_t>(end));
+            start = end;
         }
     }
+    if (used() > kIndexEntryArea) {
+        refuse("marks an entry behind its end");
+    }
+    if (!ends_.empty() && prefix >= ends_.front()) {
+        refuse("states a prefix that leaves nothing of its first entry");
+    }
+    prefix_ = ends_.empty() ? 0 : prefix;
 }
 
 void IndexPage::refuse(const std::string& what) const
@@ -107,8 +122,7 @@ ByteView IndexPage::shared(std::size_t entry) const
 
 ByteView IndexPage::stored(std::size_t entry) const
 {
-    const std::size_t start = entry == 0 ? 0 : ends_[entry - 1];
-    return ByteView(*page_).subspan(kEntries + start, ends_[entry] - start);
+    return ByteView(*page_).subspan(kEntries + start(entry), ends_[entry] - start(entry));
 }
 
 std::size_t IndexPage::keyLength(std::size_t entry) const
@@ -191,6 +205,53 @@ RowPointer IndexPage::row(std::size_t entry) const
 PageNumber IndexPage::child(std::size_t entry) const
 {
     return numberAt(entry, keyLength(entry) + kRowSize);
+}
+
+bool IndexPage::hasRoomInPlace(std::size_t position, ByteView entry) const
+{
+    const bool sharesPrefix =
+        prefix_ == 0 || (position > 0 && entry.size() > prefix_ && compareBytes(entry.first(prefix_), shared(1)) == 0);
+    return sharesPrefix && used() + entry.size() - prefix_ <= kIndexEntryArea;
+}
+
+void IndexPage::insertInPlace(Page& page, std::size_t position, ByteView entry) const
+{
+    const ByteView rest = entry.subspan(prefix_);
+    const std::size_t start = this->start(position);
+    const MutableBytes bytes(page);
+    putBytes(bytes, kEntries + start + rest.size(), slice(ByteView(page), kEntries + start, used() - start));
+    putBytes(bytes, kEntries + start, rest);
+    for (std::size_t i = position; i < size(); ++i) {
+        mark(page, ends_[i], false);
+    }
+    mark(page, start + rest.size(), true);
+    for (std::size_t i = position; i < size(); ++i) {
+        mark(page, ends_[i] + rest.size(), true);
+    }
+    putU16(bytes, kFree, static_cast<std::uint16_t>(kIndexEntryArea - used() - rest.size()));
+}
+
+bool IndexPage::canEraseInPlace(std::size_t position) const
+{
+    return size() > 1 && (prefix_ == 0 || position > 0);
+}
+
+void IndexPage::eraseInPlace(Page& page, std::size_t position) const
+{
+    const std::size_t start = this->start(position);
+    const std::size_t end = ends_[position];
+    const std::size_t length = end - start;
+    const MutableBytes bytes(page);
+    putBytes(bytes, kEntries + start, slice(ByteView(page), kEntries + end, used() - end));
+    const MutableBytes released = slice(bytes, kEntries + used() - length, length);
+    std::fill(released.begin(), released.end(), std::byte{0});
+    for (std::size_t i = position; i < size(); ++i) {
+        mark(page, ends_[i], false);
+    }
+    for (std::size_t i = position + 1; i < size(); ++i) {
+        mark(page, ends_[i] - length, true);
+    }
+    putU16(bytes, kFree, static_cast<std::uint16_t>(kIndexEntryArea - used() + length));
 }
 
 // --- A page's content for changing -----------------------------------------------------------------------------------
@@ -326,13 +387,12 @@ void IndexPageContent::encode(Page& page) const
     }
     const MutableBytes bytes(page);
     std::fill(bytes.begin() + kMask, bytes.end(), std::byte{0});
-    const MutableBytes mask = slice(bytes, kMask, kMaskSize);
     std::size_t used = 0;
     for (std::size_t i = 0; i < size(); ++i) {
         const ByteView rest = entry(i).subspan(i == 0 ? 0 : prefix);
         putBytes(bytes, kEntries + used, rest);
         used += rest.size();
-        mask[used / 8] |= std::byte{1} << static_cast<int>(used % 8);
+        mark(page, used, true);
     }
     putU8(bytes, kKind, static_cast<std::uint8_t>(header.kind));
     putU8(bytes, kInUse, 1);

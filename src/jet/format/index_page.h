@@ -55,7 +55,17 @@ public:
     /// The child that the entry names (nodes only).
     [[nodiscard]] PageNumber child(std::size_t entry) const;
 
+    // Small changes are made in the page's bytes, which are far fewer than its entries written out: `page` is the page
+    // for changing, with the same content. A new entry must find room and share the prefix.
+    [[nodiscard]] bool hasRoomInPlace(std::size_t position, ByteView entry) const;
+    void insertInPlace(Page& page, std::size_t position, ByteView entry) const;
+    /// Not the last entry of all, nor the one that carries the prefix of others.
+    [[nodiscard]] bool canEraseInPlace(std::size_t position) const;
+    void eraseInPlace(Page& page, std::size_t position) const;
+
 private:
+    [[nodiscard]] std::size_t start(std::size_t entry) const { return entry == 0 ? 0 : ends_[entry - 1]; }
+    [[nodiscard]] std::size_t used() const { return ends_.empty() ? 0 : ends_.back(); }
     /// What the entry shares with the first one and does not store.
     [[nodiscard]] ByteView shared(std::size_t entry) const;
     /// What the entry stores.
@@ -63,8 +73,7 @@ private:
     [[nodiscard]] std::size_t keyLength(std::size_t entry) const;
     /// Four bytes of the whole entry as a number, most significant byte first.
     [[nodiscard]] std::uint32_t numberAt(std::size_t entry, std::size_t offset) const;
-    void readMask(ByteView mask);
-    void checkEntries();
+    void readEntries();
     [[noreturn]] void refuse(const std::string& what) const;
 
     PageRef page_;

@@ -124,50 +124,60 @@ void IndexTree::insert(ByteView key, RowPointer row)
     if (key.size() > kMaximumKeyLength) {
         throw Error(ErrorCode::ValueTooLong, "A key is too long for an index");
     }
-    Spot spot = locate(key, row);
+    const Spot spot = locate(key, row);
+    const IndexPage& leaf = spot.leaf;
     if (spot.occupied) {
-        refuse(spot.leaf, "it holds an entry already that is to be added");
+        refuse(leaf.number(), "it holds an entry already that is to be added");
     }
-    const bool last = spot.position == spot.content.size();
-    const Growth growth = last && spot.content.header.next == 0 ? Growth::AtTheEnd : Growth::Inside;
-    Bytes entry = makeLeafEntry(key, row);
-    spot.content.insert(spot.position, entry);
-    std::optional<Bytes> newLast = last ? std::optional(std::move(entry)) : std::nullopt;
-    updateNodes(std::move(spot.path), store(spot.leaf, std::move(spot.content), std::move(newLast), growth), growth);
+    const Bytes entry = makeLeafEntry(key, row);
+    const bool last = spot.position == leaf.size();
+    const Growth growth = last && leaf.header().next == 0 ? Growth::AtTheEnd : Growth::Inside;
+    std::optional<Bytes> newLast = last ? std::optional(entry) : std::nullopt;
+    Children children;
+    if (leaf.hasRoomInPlace(spot.position, entry)) {
+        leaf.insertInPlace(pager_->modify(leaf.number()), spot.position, entry);
+        children = {{.page = leaf.number(), .last = std::move(newLast)}};
+    } else {
+        IndexPageContent content(leaf);
+        content.insert(spot.position, entry);
+        children = store(leaf.number(), std::move(content), std::move(newLast), growth);
+    }
+    updateNodes(spot.path, std::move(children), growth);
 }
 
 bool IndexTree::erase(ByteView key, RowPointer row)
 {
-    Spot spot = locate(key, row);
+    const Spot spot = locate(key, row);
+    const IndexPage& leaf = spot.leaf;
     if (!spot.occupied) {
         return false;
     }
-    spot.content.erase(spot.position);
-    Children children;
-    if (spot.content.isEmpty()) {
-        children = remove(spot.leaf, spot.content.header);
-    } else {
-        std::optional<Bytes> newLast;
-        if (spot.position == spot.content.size()) {
-            const ByteView entry = spot.content.entry(spot.position - 1);
-            newLast.emplace(entry.begin(), entry.end());
-        }
-        children = store(spot.leaf, std::move(spot.content), std::move(newLast), Growth::Inside);
+    std::optional<Bytes> newLast;
+    if (spot.position > 0 && spot.position + 1 == leaf.size()) {
+        leaf.appendEntry(spot.position - 1, newLast.emplace());
     }
-    updateNodes(std::move(spot.path), std::move(children), Growth::Inside);
+    Children children;
+    if (leaf.size() == 1) {
+        children = remove(leaf.number(), leaf.header());
+    } else if (leaf.canEraseInPlace(spot.position)) {
+        leaf.eraseInPlace(pager_->modify(leaf.number()), spot.position);
+        children = {{.page = leaf.number(), .last = std::move(newLast)}};
+    } else {
+        IndexPageContent content(leaf);
+        content.erase(spot.position);
+        children = store(leaf.number(), std::move(content), std::move(newLast), Growth::Inside);
+    }
+    updateNodes(spot.path, std::move(children), Growth::Inside);
     return true;
 }
 
 IndexTree::Spot IndexTree::locate(ByteView key, RowPointer row) const
 {
     Path path;
-    const IndexPage leaf = leafFor(key, row, &path);
+    IndexPage leaf = leafFor(key, row, &path);
     const std::size_t position = leaf.lowerBound(key, row);
-    return {.path = std::move(path),
-            .leaf = leaf.number(),
-            .position = position,
-            .occupied = position < leaf.size() && leaf.compare(position, key, row) == 0,
-            .content = IndexPageContent(leaf)};
+    const bool occupied = position < leaf.size() && leaf.compare(position, key, row) == 0;
+    return {.path = std::move(path), .leaf = std::move(leaf), .position = position, .occupied = occupied};
 }
 
 void IndexTree::updateNodes(Path path, Children children, Growth growth)

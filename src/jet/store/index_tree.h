@@ -118,13 +118,12 @@ private:
     /// Where in the tree an entry was added.
     enum class Growth { Inside, AtTheEnd };
 
-    /// An entry's leaf, made ready for changing, and the entry's place in it.
+    /// Where an entry is or belongs.
     struct Spot {
         Path path;
-        PageNumber leaf = 0;
+        IndexPage leaf;
         std::size_t position = 0;
         bool occupied = false; ///< the entry is there
-        IndexPageContent content;
     };
 
     [[nodiscard]] IndexPage read(PageNumber page) const;

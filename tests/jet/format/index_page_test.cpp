@@ -275,6 +275,72 @@ TEST(IndexPageContent, RandomEntriesComeBackFromThePage)
     }
 }
 
+TEST(IndexPage, ChangesInPlaceGiveThePageThatWritingItAnewGives)
+{
+    std::mt19937 random(123);
+    std::size_t insertedBehindAPrefix = 0;
+    for (int round = 0; round < 200; ++round) {
+        std::set<Bytes> entries;
+        const std::size_t shared = random() % 3 * 40;
+        const auto randomEntry = [&] {
+            Bytes key(random() % 50 == 0 ? shared / 2 : shared, std::byte{0x51});
+            for (int k = 0; k < 6; ++k) {
+                key.push_back(static_cast<std::byte>(random() % 200 + 2));
+            }
+            key.push_back(std::byte{0});
+            return makeLeafEntry(key, {static_cast<PageNumber>(random() % 0xFFFFFF), 1});
+        };
+        for (std::size_t i = 0; i < 60; ++i) {
+            entries.insert(randomEntry());
+        }
+        Page page = encoded(leafOf({entries.begin(), entries.end()}));
+        for (int step = 0; step < 60; ++step) {
+            const IndexPage before = read(page);
+            if (random() % 2 == 0) {
+                const std::size_t position = random() % before.size();
+                if (before.canEraseInPlace(position)) {
+                    before.eraseInPlace(page, position);
+                    entries.erase(std::next(entries.begin(), static_cast<std::ptrdiff_t>(position)));
+                }
+            } else {
+                const Bytes entry = randomEntry();
+                const auto place = entries.insert(entry).first;
+                const auto position = static_cast<std::size_t>(std::distance(entries.begin(), place));
+                if (before.hasRoomInPlace(position, entry)) {
+                    before.insertInPlace(page, position, entry);
+                    insertedBehindAPrefix += before.prefixLength() > 0 ? 1U : 0U;
+                } else {
+                    entries.erase(entry);
+                }
+            }
+            const IndexPage after = read(page);
+            ASSERT_EQ(entriesOf(after), std::vector<Bytes>(entries.begin(), entries.end()));
+            ASSERT_EQ(after.header().next, 9U);
+            if (after.prefixLength() == 0) {
+                ASSERT_EQ(page, encoded(leafOf(entriesOf(after)))) << "no bit and no byte is left behind";
+            }
+        }
+    }
+    EXPECT_GT(insertedBehindAPrefix, 100U);
+}
+
+TEST(IndexPage, AFirstEntryIsNotErasedInPlaceWhenItCarriesThePrefix)
+{
+    std::vector<Bytes> entries;
+    for (unsigned row = 0; row < 20; ++row) {
+        entries.push_back(makeLeafEntry(Bytes(400, std::byte{0x4A}), {1, static_cast<std::uint8_t>(row)}));
+    }
+    const IndexPage leaf = read(encoded(leafOf(entries)));
+    EXPECT_FALSE(leaf.canEraseInPlace(0));
+    EXPECT_TRUE(leaf.canEraseInPlace(1));
+    EXPECT_FALSE(leaf.hasRoomInPlace(0, makeLeafEntry(Bytes(400, std::byte{0x4A}), {0, 0})));
+    EXPECT_FALSE(leaf.hasRoomInPlace(20, makeLeafEntry(Bytes(400, std::byte{0x4B}), {0, 0})));
+    EXPECT_FALSE(leaf.hasRoomInPlace(1, makeLeafEntry(Bytes(2, std::byte{0x4A}), {0, 0}))) << "shorter than the prefix";
+    EXPECT_TRUE(leaf.hasRoomInPlace(20, makeLeafEntry(Bytes(400, std::byte{0x4A}), {1, 20})));
+    const IndexPage single = read(encoded(leafOf({entries[0]})));
+    EXPECT_FALSE(single.canEraseInPlace(0));
+}
+
 TEST(IndexPageContent, AnOverfullPageOfTheLongestEntriesSplitsIntoTwoThatFit)
 {
     std::mt19937 random(3);
@@ -294,12 +360,14 @@ TEST(IndexPageContent, AnOverfullPageOfTheLongestEntriesSplitsIntoTwoThatFit)
             entries.insert(makeLeafEntry(key, {1, static_cast<std::uint8_t>(entries.size())}));
             content = leafOf({entries.begin(), entries.end()});
         }
-        const std::size_t count = content.middle();
-        const IndexPageContent left = content.takeFirst(count);
-        ASSERT_FALSE(left.isEmpty());
-        ASSERT_FALSE(content.isEmpty());
-        ASSERT_TRUE(left.fits());
-        ASSERT_TRUE(content.fits());
+        IndexPageContent other = content;
+        for (const auto& [whole, count] : {std::pair(&content, content.middle()), {&other, other.leadingThatFit()}}) {
+            const IndexPageContent left = whole->takeFirst(count);
+            ASSERT_FALSE(left.isEmpty());
+            ASSERT_FALSE(whole->isEmpty());
+            ASSERT_TRUE(left.fits());
+            ASSERT_TRUE(whole->fits());
+        }
     }
 }
 
@@ -341,6 +409,7 @@ TEST(IndexPageDamage, EachFieldIsChecked)
     expectCorrupt(page, "an entry without a key");
     page = goodLeaf();
     page[479] = std::byte{0x02};
+    putU16(MutableBytes(page), 2, 0xFFFF);
     expectCorrupt(page, "an entry that ends behind the page");
     page = goodLeaf();
     page[0] = std::byte{3};
@@ -355,7 +424,7 @@ TEST(IndexPageDamage, RandomBytesNeverReachOutsideThePage)
 {
     std::mt19937 random(11);
     std::size_t accepted = 0;
-    for (int round = 0; round < 20000; ++round) {
+    for (int round = 0; round < 10000; ++round) {
         Page page = goodLeaf();
         page[0] = static_cast<std::byte>(3 + random() % 2);
         for (unsigned change = random() % 4; change-- > 0;) {
@@ -389,5 +458,5 @@ TEST(IndexPageDamage, RandomBytesNeverReachOutsideThePage)
             ASSERT_EQ(error.code(), ErrorCode::Corrupt);
         }
     }
-    EXPECT_GT(accepted, 1000U);
+    EXPECT_GT(accepted, 500U);
 }

@@ -194,6 +194,13 @@ TEST(TextKey, TheLongestPossibleKeysFitTheirBuffers)
     }
 }
 
+TEST(TextKey, AKeyHasLessThan1300Bytes)
+{
+    const std::u16string longest =
+        std::u16string(254, u'\u05f0') + u"\u00e9"; // codes of four bytes, an accent behind all
+    EXPECT_EQ(keyOf(longest).size() / 2, 254U * 4 + 1 + 1 + 255 + 1);
+}
+
 TEST(TextKey, KeysOfSampleTextsAreThoseOfAnIndependentWriter)
 {
     for (const Vector& vector : sampleVectors()) {
@@ -312,7 +319,7 @@ TEST(TextOrder, LongTextsAreToldApartBehindThePartThatKeysHold)
 TEST(TextOrder, IsTheOrderOfKeysForRandomTexts)
 {
     RandomTexts randomText(20260131);
-    for (int i = 0; i < 200000; ++i) {
+    for (int i = 0; i < 50000; ++i) {
         const std::u16string a = randomText(5);
         const std::u16string b = randomText(5);
         ASSERT_EQ(sign(compareTexts(a, b)), orderOfKeys(a, b))
@@ -335,7 +342,7 @@ TEST(TextOrder, IsTheOrderOfKeysForEveryPairOfAsciiUnits)
 TEST(TextOrder, DescendingKeysHaveTheOppositeOrder)
 {
     RandomTexts randomText(7);
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < 30000; ++i) {
         const std::u16string a = randomText(6);
         const std::u16string b = randomText(6);
         Bytes keyA;
