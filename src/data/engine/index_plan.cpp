@@ -97,7 +97,8 @@ private:
         std::size_t next = equal_;
         for (const PlanQuestion::Order& term : question_.order) {
             if (term.column == question_.addressColumn) {
-                return next == index_.keys.size() && term.descending == backwards;
+                const bool oneRowAKey = index_.unique && index_.required;
+                return next == index_.keys.size() && (oneRowAKey || term.descending == backwards);
             }
             if (isFixed(term.column)) {
                 continue;

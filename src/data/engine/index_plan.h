@@ -17,6 +17,7 @@ struct SearchableIndex {
     std::size_t realIndex = 0;
     std::vector<Key> keys;
     bool unique = false;
+    bool required = false; ///< no column of it is null
     bool ignoresNulls = false;
     double rowsPerKey = 1;  ///< an estimate
     bool keepsOrder = true; ///< false where keys do not order all values (texts cut off at 255 characters)

@@ -8,7 +8,7 @@
 namespace data {
 namespace {
 
-std::unique_ptr<jet::Database> openFile(const QString& path)
+std::unique_ptr<jet::Database> openFile(const QString& path, jet::FileSystem& fileSystem)
 {
     const QFileInfo file(path);
     if (file.exists() && !file.isReadable()) {
@@ -18,13 +18,13 @@ std::unique_ptr<jet::Database> openFile(const QString& path)
     }
     const std::string name = path.toStdString();
     try {
-        return jet::Database::open(jet::posixFileSystem(), name, jet::OpenMode::ReadWrite);
+        return jet::Database::open(fileSystem, name, jet::OpenMode::ReadWrite);
     } catch (const jet::Error& error) {
         if (error.code() != jet::ErrorCode::ReadOnly) {
             throw;
         }
     }
-    return jet::Database::open(jet::posixFileSystem(), name, jet::OpenMode::ReadOnly);
+    return jet::Database::open(fileSystem, name, jet::OpenMode::ReadOnly);
 }
 
 } // namespace
@@ -72,7 +72,10 @@ void FileCatalogue::readQueries()
     queries_ = std::move(queries);
 }
 
-Session::Session(const QString& path) : path_(path), database_(translating(path, [&] { return openFile(path); })) {}
+Session::Session(const QString& path, jet::FileSystem& fileSystem)
+    : path_(path), database_(translating(path, [&] { return openFile(path, fileSystem); }))
+{
+}
 
 void Session::close()
 {

@@ -33,7 +33,7 @@ private:
 class Session
 {
 public:
-    explicit Session(const QString& path);
+    explicit Session(const QString& path, jet::FileSystem& fileSystem = jet::posixFileSystem());
 
     [[nodiscard]] const QString& path() const { return path_; }
     [[nodiscard]] bool isOpen() const { return database_ != nullptr; }

@@ -42,6 +42,7 @@ std::vector<SearchableIndex> searchableIndexes(const jet::Table& table, const st
         SearchableIndex index;
         index.realIndex = i;
         index.unique = indexes[i].isUnique();
+        index.required = indexes[i].isRequired();
         index.ignoresNulls = indexes[i].ignoresNulls();
         index.rowsPerKey =
             indexes[i].distinctKeys == 0
@@ -65,9 +66,19 @@ std::vector<SearchableIndex> searchableIndexes(const jet::Table& table, const st
     return result;
 }
 
-/// "CREATE TABLE t(c0 INTEGER, c1 TEXT COLLATE jet_text, ..., row INTEGER)".
-QByteArray declarationOf(const std::vector<jet::Column>& columns)
+/// Whether an index refuses null in the column. Knowing it, SQLite finds the least value at the beginning of an index.
+bool isNeverNull(int column, const std::vector<SearchableIndex>& indexes)
 {
+    return std::any_of(indexes.begin(), indexes.end(), [&](const SearchableIndex& index) {
+        return index.required && std::any_of(index.keys.begin(), index.keys.end(),
+                                             [&](const SearchableIndex::Key& key) { return key.column == column; });
+    });
+}
+
+/// "CREATE TABLE t(c0 INTEGER NOT NULL, c1 TEXT COLLATE jet_text, ..., row INTEGER)".
+QByteArray declarationOf(const TableBinding& binding)
+{
+    const std::vector<jet::Column>& columns = binding.columns;
     QString sql = QStringLiteral("CREATE TABLE t(");
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const ExpressionType type = typeOf(fieldOf(columns[i]).type);
@@ -79,16 +90,19 @@ QByteArray declarationOf(const std::vector<jet::Column>& columns)
         } else if (type.is(FieldType::Binary)) {
             declared = QStringLiteral("BLOB");
         }
+        if (isNeverNull(static_cast<int>(i), binding.indexes)) {
+            declared += QStringLiteral(" NOT NULL");
+        }
         sql += QStringLiteral("c%1 %2, ").arg(i).arg(declared);
     }
-    return (sql + QStringLiteral("row INTEGER)")).toUtf8();
+    return (sql + QStringLiteral("row INTEGER NOT NULL)")).toUtf8();
 }
 
 int connectTable(sqlite3* connection, void* context, int, const char* const*, sqlite3_vtab** table, char**)
 {
     auto& binding = *static_cast<TableBinding*>(context);
     return binding.pending.guard([&] {
-        if (sqlite3_declare_vtab(connection, declarationOf(binding.columns).constData()) != SQLITE_OK) {
+        if (sqlite3_declare_vtab(connection, declarationOf(binding).constData()) != SQLITE_OK) {
             throw std::bad_alloc();
         }
         *table = std::make_unique<VirtualTable>(binding).release();
