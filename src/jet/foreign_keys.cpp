@@ -69,13 +69,14 @@ std::vector<RelationshipEnd> ForeignKeys::ends(StoredTable& table, LogicalIndex:
     return result;
 }
 
-void ForeignKeys::requireParent(StoredTable& table, const RelationshipEnd& parent, const RowValues& row)
+void ForeignKeys::requireParent(StoredTable& table, const RelationshipEnd& parent, const RowValues& row,
+                                std::optional<RowPointer> rekeyed)
 {
     const std::shared_ptr<LoadedTable> loaded = table.loaded();
     const std::shared_ptr<LoadedTable> otherTable = tables_->at(parent.otherTable).loaded();
     const TableIndex& referenced = otherTable->indexes[parent.otherIndex];
     const IndexKey key = keyAcross(loaded->indexes[parent.ownIndex], referenced, row);
-    if (key.allNull || referenced.tree.find(key.bytes).has_value()) {
+    if (key.allNull || referenced.tree.isTaken(key.bytes, rekeyed)) {
         return;
     }
     if (parent.otherTable == table.page() && referenced.keyOf(row).bytes == key.bytes) {

@@ -19,8 +19,10 @@ public:
     /// Relationships in which rows of others refer to the table's.
     [[nodiscard]] const std::vector<RelationshipEnd>& childrenOf(StoredTable& table);
 
-    /// Throws MissingParent when the row that `row` refers to is not there. A row may refer to itself.
-    void requireParent(StoredTable& table, const RelationshipEnd& parent, const RowValues& row);
+    /// Throws MissingParent when the row that `row` refers to is not there. A row may refer to itself. `rekeyed` is a
+    /// row of the referenced table whose stored key does not count because it is about to change.
+    void requireParent(StoredTable& table, const RelationshipEnd& parent, const RowValues& row,
+                       std::optional<RowPointer> rekeyed = std::nullopt);
     /// The rows that refer to `row`.
     [[nodiscard]] std::vector<RowPointer> rowsReferringTo(StoredTable& table, const RelationshipEnd& child,
                                                           const RowValues& row);

@@ -114,6 +114,16 @@ void fillNewFile(Pager& pager, DateTime now)
     pager.commit();
 }
 
+/// Of an attempt that failed or was cut short.
+void removeLeftovers(FileSystem& fileSystem, const std::string& unfinished)
+{
+    for (const std::string& leftover : {unfinished, unfinished + "-journal"}) {
+        if (fileSystem.exists(leftover)) {
+            fileSystem.remove(leftover);
+        }
+    }
+}
+
 void requireFreePath(FileSystem& fileSystem, const std::string& path)
 {
     if (fileSystem.exists(path)) {
@@ -127,17 +137,15 @@ void makeFile(FileSystem& fileSystem, const std::string& path, DateTime now)
 {
     requireFreePath(fileSystem, path);
     const std::string unfinished = path + ".new";
-    for (const std::string& leftover : {unfinished, unfinished + "-journal"}) {
-        if (fileSystem.exists(leftover)) {
-            fileSystem.remove(leftover);
-        }
-    }
+    removeLeftovers(fileSystem, unfinished);
     try {
         Pager pager(fileSystem, unfinished, OpenMode::Create);
         fillNewFile(pager, now);
     } catch (...) {
-        if (fileSystem.exists(unfinished)) {
-            fileSystem.remove(unfinished);
+        try {
+            removeLeftovers(fileSystem, unfinished);
+        } catch (const Error&) {
+            // The first error tells more; the next attempt removes what is left.
         }
         throw;
     }

@@ -204,7 +204,8 @@ void RowWriter::update(StoredTable& table, RowPointer address, std::span<const C
     }
     for (const RelationshipEnd& parent : foreignKeys_.parentsOf(table)) {
         if (changesKey(parent.ownIndex)) {
-            foreignKeys_.requireParent(table, parent, after);
+            const bool refersToRekeyed = parent.otherTable == table.page() && changesKey(parent.otherIndex);
+            foreignKeys_.requireParent(table, parent, after, refersToRekeyed ? std::optional(address) : std::nullopt);
         }
     }
     std::vector<std::pair<RelationshipEnd, RowPointer>> referring;
