@@ -63,7 +63,8 @@ private:
 };
 
 /// Reading functions require a read or a transaction in progress, changing ones a transaction. All throw Corrupt for a
-/// page that contradicts itself or the tree; none can be kept from returning by a damaged file.
+/// page that contradicts itself or the tree; none can be kept from returning by a damaged file. Where a changing
+/// function throws, some pages may have been changed: the caller returns to its savepoint or rolls back.
 class IndexTree
 {
 public:
