@@ -1,5 +1,6 @@
 // The structural check: a sound file has no fault; with one thing broken, the fault names it and its page.
 #include "jet/check.h"
+#include "jet/database/diary_content.h"
 #include "jet/database/small_diary.h"
 #include "jet/disk/memory_file.h"
 #include "jet/format/data_page.h"
@@ -30,11 +31,6 @@ using testing::Contains;
 using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-void PrintTo(const Fault& fault, std::ostream* out)
-{
-    *out << "page " << fault.page << ": " << fault.text << (fault.kind == Fault::Kind::Leftover ? " (leftover)" : "");
-}
 
 namespace {
 
