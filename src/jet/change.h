@@ -1,12 +1,39 @@
-// A change that is a transaction by itself unless one is in progress.
+// Changes that are made in full or not at all.
 #pragma once
 
-#include "jet/disk/pager.h"
+#include "jet/stored_table.h"
 
 namespace jet {
 
-/// Runs the change; what it throws leaves the transaction that was in progress, if any, to its owner. The change must
-/// undo itself when it throws (ChangeScope).
+/// A part of a transaction that is taken back unless it is kept.
+class ChangeScope
+{
+public:
+    explicit ChangeScope(StoredTables& tables) : tables_(&tables), savepoint_(tables.pager().savepoint()) {}
+    ChangeScope(const ChangeScope&) = delete;
+    ChangeScope& operator=(const ChangeScope&) = delete;
+    ~ChangeScope()
+    {
+        if (!kept_) {
+            tables_->pager().rollbackTo(savepoint_);
+            tables_->pager().release(savepoint_);
+            tables_->forget();
+        }
+    }
+    void keep()
+    {
+        tables_->pager().release(savepoint_);
+        kept_ = true;
+    }
+
+private:
+    StoredTables* tables_;
+    Pager::Savepoint savepoint_;
+    bool kept_ = false;
+};
+
+/// Runs the change, as a transaction by itself unless one is in progress. One that is in progress is left to its owner
+/// when the change throws; so the change must take itself back (ChangeScope).
 template <typename Change>
 void runChange(Pager& pager, Change&& change)
 {

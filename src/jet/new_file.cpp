@@ -1,6 +1,7 @@
 #include "jet/new_file.h"
 
 #include "jet/catalogue_writer.h"
+#include "jet/disk/journal.h"
 #include "jet/format/header_page.h"
 #include "jet/new_table.h"
 #include "jet/store/index_tree.h"
@@ -117,7 +118,8 @@ void fillNewFile(Pager& pager, DateTime now)
 /// Of an attempt that failed or was cut short.
 void removeLeftovers(FileSystem& fileSystem, const std::string& unfinished)
 {
-    for (const std::string& leftover : {unfinished, unfinished + "-journal"}) {
+    const Journal journal(fileSystem, unfinished);
+    for (const std::string& leftover : {unfinished, journal.path(), journal.unfinishedPath()}) {
         if (fileSystem.exists(leftover)) {
             fileSystem.remove(leftover);
         }
@@ -128,6 +130,10 @@ void requireFreePath(FileSystem& fileSystem, const std::string& path)
 {
     if (fileSystem.exists(path)) {
         throw Error(ErrorCode::FileExists, "There is a file already at " + path);
+    }
+    if (const Journal journal(fileSystem, path); journal.isThere()) {
+        throw Error(ErrorCode::JournalDamaged,
+                    "There is a journal at " + journal.path() + " of a file that is not there any more");
     }
 }
 

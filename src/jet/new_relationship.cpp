@@ -1,6 +1,7 @@
 #include "jet/new_relationship.h"
 
 #include "jet/catalogue_writer.h"
+#include "jet/change.h"
 #include "jet/names.h"
 #include "jet/row_reader.h"
 #include "jet/store/long_value_store.h"

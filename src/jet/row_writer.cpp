@@ -1,5 +1,6 @@
 #include "jet/row_writer.h"
 
+#include "jet/change.h"
 #include "jet/format/at_page.h"
 #include "jet/row_reader.h"
 #include "jet/store/long_value_store.h"
@@ -61,6 +62,11 @@ void requireFree(const TableIndex& index, const IndexKey& key, std::optional<Row
     return std::move(*row);
 }
 
+[[nodiscard]] RowView viewOf(const LoadedTable& table, const StoredRow& row)
+{
+    return atPage(row.dataPage, [&] { return RowView(table.layout, row.bytes); });
+}
+
 [[nodiscard]] LongValueStore longValuesOf(Pager& pager, const LoadedTable& table, const Column& column)
 {
     const std::vector<LongValueMaps>& all = table.definition.longValues;
@@ -87,21 +93,6 @@ void requireFree(const TableIndex& index, const IndexKey& key, std::optional<Row
 }
 
 } // namespace
-
-ChangeScope::~ChangeScope()
-{
-    if (!kept_) {
-        tables_->pager().rollbackTo(savepoint_);
-        tables_->pager().release(savepoint_);
-        tables_->forget();
-    }
-}
-
-void ChangeScope::keep()
-{
-    tables_->pager().release(savepoint_);
-    kept_ = true;
-}
 
 std::string unsupportedIndexOf(const LoadedTable& table)
 {
@@ -183,7 +174,7 @@ void RowWriter::update(StoredTable& table, RowPointer address, std::span<const C
     requireWritable(*loaded);
     requireDistinctColumns(values);
     const StoredRow stored = rowAt(*loaded, address);
-    const RowView view(loaded->layout, stored.bytes);
+    const RowView view = viewOf(*loaded, stored);
 
     std::vector<ColumnValue> changes;
     for (const ColumnValue& given : values) {
@@ -300,7 +291,7 @@ void RowWriter::eraseOne(const RowAt& row, const StoredRow& stored, std::vector<
     StoredTable& table = *row.table;
     const std::shared_ptr<LoadedTable> loaded = table.loaded();
     requireWritable(*loaded);
-    const RowView view(loaded->layout, stored.bytes);
+    const RowView view = viewOf(*loaded, stored);
 
     std::vector<std::pair<RelationshipEnd, RowPointer>> orphans;
     for (const RelationshipEnd& child : foreignKeys_.childrenOf(table)) {

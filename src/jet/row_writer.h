@@ -9,22 +9,6 @@
 
 namespace jet {
 
-/// A part of a transaction that is taken back unless it is kept.
-class ChangeScope
-{
-public:
-    explicit ChangeScope(StoredTables& tables) : tables_(&tables), savepoint_(tables.pager().savepoint()) {}
-    ChangeScope(const ChangeScope&) = delete;
-    ChangeScope& operator=(const ChangeScope&) = delete;
-    ~ChangeScope();
-    void keep();
-
-private:
-    StoredTables* tables_;
-    Pager::Savepoint savepoint_;
-    bool kept_ = false;
-};
-
 /// The name of an index that cannot be kept up and so forbids changes of the table; empty when there is none.
 [[nodiscard]] std::string unsupportedIndexOf(const LoadedTable& table);
 

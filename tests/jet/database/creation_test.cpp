@@ -121,6 +121,14 @@ TEST_F(Creation, AFileThatIsThereIsNotReplaced)
     EXPECT_EQ(files_.files().size(), 1U);
 }
 
+TEST_F(Creation, TheJournalOfALostFileIsNotTakenForTheNewOnes)
+{
+    files_.setContent(kPath + "-journal", Bytes(5));
+    EXPECT_THAT([&] { static_cast<void>(Database::create(files_, kPath, DateTime{})); },
+                throwsError(ErrorCode::JournalDamaged, kPath + "-journal"));
+    EXPECT_EQ(files_.files().size(), 1U);
+}
+
 TEST_F(Creation, NothingElseIsLeftBesideTheFile)
 {
     files_.setContent(kPath + ".new", Bytes(5)); // of a creation that was cut short
