@@ -1,0 +1,48 @@
+// What a command of quillonctl is.
+#pragma once
+
+#include "cli/exit_status.h"
+#include "cli/output.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <stdexcept>
+
+namespace cli {
+
+/// The command line makes no sense.
+class UsageError : public std::runtime_error
+{
+public:
+    explicit UsageError(const QString& message) : std::runtime_error(message.toStdString()) {}
+};
+
+/// A command as it was called: its arguments, all of them there, and its options.
+struct Call {
+    QStringList arguments;
+    const QCommandLineParser& options;
+    Output& output;
+};
+
+struct Command {
+    struct Argument {
+        QString name;
+        QString meaning;
+    };
+
+    QString name;
+    QString summary;
+    QList<Argument> arguments;
+    QList<QCommandLineOption> options;
+    /// Writes its result to the call's output. Throws UsageError, runtime::RunTimeError, OutputError.
+    ExitStatus (*run)(const Call& call);
+};
+
+/// In the order in which the help lists them.
+[[nodiscard]] const QList<Command>& allCommands();
+
+} // namespace cli

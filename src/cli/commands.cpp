@@ -1,0 +1,12 @@
+#include "cli/commands.h"
+
+namespace cli {
+
+const QList<Command>& allCommands()
+{
+    static const QList<Command> commands = {createCommand(), checkCommand(), tablesCommand(), queriesCommand(),
+                                            dumpCommand(),   sqlCommand(),   reportCommand()};
+    return commands;
+}
+
+} // namespace cli

@@ -1,0 +1,16 @@
+// The commands, each in a file of its own.
+#pragma once
+
+#include "cli/command.h"
+
+namespace cli {
+
+[[nodiscard]] Command createCommand();
+[[nodiscard]] Command checkCommand();
+[[nodiscard]] Command tablesCommand();
+[[nodiscard]] Command queriesCommand();
+[[nodiscard]] Command dumpCommand();
+[[nodiscard]] Command sqlCommand();
+[[nodiscard]] Command reportCommand();
+
+} // namespace cli

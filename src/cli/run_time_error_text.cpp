@@ -1,0 +1,14 @@
+#include "cli/run_time_error_text.h"
+
+namespace cli {
+
+QString oneLineOf(const runtime::RunTimeError& error)
+{
+    QString line = QStringLiteral("Run-time error '%1': ").arg(error.number()) + error.words();
+    if (!error.hint().isEmpty()) {
+        line += u' ' + error.hint();
+    }
+    return line;
+}
+
+} // namespace cli

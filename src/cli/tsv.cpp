@@ -1,0 +1,88 @@
+#include "cli/tsv.h"
+
+#include "cli/output.h"
+#include "runtime/conversions.h"
+#include "runtime/format.h"
+#include "runtime/run_time_error.h"
+
+#include <QStringList>
+
+#include <array>
+#include <charconv>
+
+namespace cli {
+namespace {
+
+template <typename Number>
+QString shortest(Number number)
+{
+    std::array<char, 32> text{};
+    const char* const end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+    return QString::fromLatin1(text.data(), end - text.data());
+}
+
+QString dateColumn(runtime::Date date)
+{
+    try {
+        return runtime::format(date, QStringLiteral("dd/mm/yyyy hh:mm:ss"));
+    } catch (const runtime::RunTimeError&) {
+        return shortest(date.days);
+    }
+}
+
+} // namespace
+
+QString escaped(const QString& text)
+{
+    QString escaped;
+    escaped.reserve(text.size());
+    for (const QChar character : text) {
+        switch (character.unicode()) {
+        case u'\\':
+            escaped += QStringLiteral("\\\\");
+            break;
+        case u'\t':
+            escaped += QStringLiteral("\\t");
+            break;
+        case u'\n':
+            escaped += QStringLiteral("\\n");
+            break;
+        case u'\r':
+            escaped += QStringLiteral("\\r");
+            break;
+        default:
+            escaped += character;
+        }
+    }
+    return escaped;
+}
+
+QString column(const runtime::Value& value, data::FieldType type)
+{
+    if (const auto* number = std::get_if<double>(&value)) {
+        // As a double, a single such as 0.1 would show digits that nobody stored.
+        return type == data::FieldType::Single ? shortest(static_cast<float>(*number)) : shortest(*number);
+    }
+    if (const auto* date = std::get_if<runtime::Date>(&value)) {
+        return dateColumn(*date);
+    }
+    return escaped(runtime::toText(value));
+}
+
+void writeRecords(data::Recordset& records, Output& output)
+{
+    QStringList columns;
+    for (int position = 0; position < records.fieldCount(); ++position) {
+        columns.append(escaped(records.field(position).name));
+    }
+    output.writeLine(columns.join(u'\t'));
+    while (!records.eof()) {
+        for (int position = 0; position < records.fieldCount(); ++position) {
+            columns[position] = column(records.value(position), records.field(position).type);
+        }
+        output.writeLine(columns.join(u'\t'));
+        records.moveNext();
+    }
+}
+
+} // namespace cli
