@@ -64,7 +64,9 @@ TypedSql ExpressionTranslator::ordinaryCall(const Function& function, const Func
         }
     }
     if (values.size() == types.size()) {
-        return literal(data::call(function, values));
+        TypedSql result = literal(data::call(function, values));
+        result.type = function.resultType(types);
+        return result;
     }
     TypedSql result;
     result.sql = QStringLiteral("fn_%1(%2)").arg(function.name, arguments.join(QStringLiteral(", ")));
