@@ -158,6 +158,61 @@ TEST_F(Creation, TablesAndQueriesAreListedByName)
     EXPECT_EQ(database->queries().front().rows.size(), 10U);
 }
 
+TEST_F(Creation, AQueryReadsBackInTheOrderOfItsRows)
+{
+    const auto database = Database::create(files_, kPath, DateTime{});
+    SavedQuery query;
+    query.name = "Q";
+    query.flags = 0x50;
+    query.rows = {{255, 1, {}, {}, {}, {}},
+                  {6, 2, std::int16_t{0}, u"Second", {}, {}},
+                  {6, 300, std::int16_t{-32768}, std::u16string(3000, u'e'), u"alias", u"target"},
+                  {6, 1, std::int16_t{0}, u"", {}, {}},
+                  {0, 1, std::int16_t{0}, {}, {}, {}}};
+    database->createQuery(query);
+    ASSERT_EQ(database->queries().size(), 1U);
+    const SavedQuery stored = database->queries().front();
+    EXPECT_EQ(stored.flags, 0x50);
+    ASSERT_EQ(stored.rows.size(), 5U);
+    const std::vector<std::size_t> order{4, 3, 1, 2, 0};
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        const QueryRow& expected = query.rows[order[i]];
+        EXPECT_EQ(stored.rows[i].attribute, expected.attribute) << i;
+        EXPECT_EQ(stored.rows[i].order, expected.order) << i;
+        EXPECT_EQ(stored.rows[i].flag, expected.flag) << i;
+        EXPECT_EQ(stored.rows[i].expression, expected.expression) << i;
+        EXPECT_EQ(stored.rows[i].name1, expected.name1) << i;
+        EXPECT_EQ(stored.rows[i].name2, expected.name2) << i;
+    }
+}
+
+TEST_F(Creation, QueriesThatBeginWithATildeAreHidden)
+{
+    const auto database = Database::create(files_, kPath, DateTime{});
+    SavedQuery query;
+    query.name = "~sq_fForm";
+    query.flags = 3;
+    database->createQuery(query);
+    EXPECT_TRUE(database->queries().empty());
+}
+
+TEST_F(Creation, ObjectsThatAreNoTablesAreNumberedFromTheLeastNumber)
+{
+    const auto database = Database::create(files_, kPath, DateTime{});
+    SavedQuery query;
+    for (const char* name : {"A", "B"}) {
+        query.name = name;
+        database->createQuery(query);
+    }
+    Table& objects = database->table("MSysObjects");
+    const TableDefinition& definition = objects.definition();
+    std::string ids;
+    for (const auto cursor = objects.range(1, {}); cursor->next();) {
+        ids += std::to_string(std::get<std::int32_t>(cursor->row().value(*definition.columnByName("Id")))) + " ";
+    }
+    EXPECT_EQ(ids, "-2147483648 -2147483647 2 3 4 5 251658241 251658242 251658243 268435456 ");
+}
+
 TEST_F(Creation, NamesAreFoundWithoutRegardToCase)
 {
     const auto database = createSmallDiary(files_, kPath);

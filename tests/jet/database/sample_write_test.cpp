@@ -6,6 +6,7 @@
 
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <set>
 
 namespace jet::test {
@@ -268,6 +269,24 @@ TEST_P(SampleWrites, TablesQueriesAndRelationshipsAreAdded)
     const std::vector<SavedQuery> queries = database_->queries();
     EXPECT_TRUE(
         std::any_of(queries.begin(), queries.end(), [](const SavedQuery& each) { return each.name == "New query"; }));
+}
+
+TEST_P(SampleWrites, ANewTableBelongsToTheAccountOfTheFilesOwnTables)
+{
+    // Access's own objects of the same account, where there are any, and the row "MSysDb", which is in every file.
+    database_->createTable({"Mine", {counter("Id")}, {}});
+    Table& objects = database_->table("MSysObjects");
+    const TableDefinition& definition = objects.definition();
+    std::map<std::u16string, Bytes> owners;
+    for (const auto cursor = objects.scan(); cursor->next();) {
+        const Value owner = cursor->row().value(*definition.columnByName("Owner"));
+        if (std::holds_alternative<Bytes>(owner)) {
+            owners[std::get<std::u16string>(cursor->row().value(*definition.columnByName("Name")))] =
+                std::get<Bytes>(owner);
+        }
+    }
+    EXPECT_EQ(owners[u"Mine"], owners[u"MSysDb"]);
+    EXPECT_EQ(owners[u"Mine"].size(), 2U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, SampleWrites, testing::ValuesIn(sampleFiles()), sampleName);
