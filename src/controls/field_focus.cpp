@@ -31,7 +31,10 @@ void FieldFocus::giveBack(QLineEdit& field)
 
 bool FieldFocus::moveTo(QWidget& control)
 {
+    // While the window is not the active one, Qt moves its focus without telling anybody.
+    followFocus(form_.focusWidget());
     control.setFocus(Qt::MouseFocusReason);
+    followFocus(form_.focusWidget());
     return form_.focusWidget() == &control;
 }
 
@@ -55,7 +58,7 @@ void FieldFocus::followFocus(QWidget* now)
         clicked_ = nullptr;
         if (const auto& lostFocus = lostFocus_[before])
             lostFocus();
-        if (QApplication::focusWidget() != now)
+        if (form_.focusWidget() != now)
             return; // given back
     }
     if (auto* field = qobject_cast<QLineEdit*>(now); field != nullptr && lostFocus_.contains(field)) {

@@ -153,6 +153,17 @@ TEST_F(FieldFocusTest, MovingTheFocusTellsWhetherTheFieldLetItGo)
     EXPECT_TRUE(first.hasFocus());
 }
 
+TEST_F(FieldFocusTest, MovingTheFocusAsksTheFieldInAnInactiveWindowToo)
+{
+    QWidget other;
+    showActive(other);
+    first.setText(QStringLiteral("wrong"));
+    EXPECT_FALSE(focus.moveTo(button));
+    EXPECT_EQ(form.focusWidget(), &first);
+    first.setText(QStringLiteral("right"));
+    EXPECT_TRUE(focus.moveTo(button));
+}
+
 TEST_F(FieldFocusTest, ClosingTheFormLeavesNoField)
 {
     first.setText(QStringLiteral("wrong"));

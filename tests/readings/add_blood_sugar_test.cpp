@@ -10,12 +10,15 @@
 
 #include <QComboBox>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 #include <optional>
 
@@ -29,6 +32,31 @@ using testing::SizeIs;
 using testing_windows::child;
 using testing_windows::handlePostedEvents;
 using testing_windows::showActive;
+
+/// Acts as a user who may read a file and not write it: an administrator, as whom tests may run, may write anything.
+class OrdinaryUser
+{
+public:
+    explicit OrdinaryUser(const QString& path)
+    {
+        QFile::setPermissions(QFileInfo(path).path(), QFile::Permissions(0x7055));
+        QFile::setPermissions(path, QFile::Permissions(0x4044));
+        becomeUser(65534);
+    }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+    ~OrdinaryUser() { becomeUser(0); }
+
+private:
+    void becomeUser(uid_t user) const
+    {
+        if (administrator_) {
+            EXPECT_EQ(seteuid(user), 0);
+        }
+    }
+
+    bool administrator_ = geteuid() == 0;
+};
 
 class AddBloodSugar : public testing::Test
 {
@@ -313,7 +341,7 @@ TEST_F(AddBloodSugar, AWrongValueInTheFocusedFieldEndsOkWithAnError)
 {
     type("txtComment", "kept");
     type("txtBloodSugar", "five");
-    expectError("Run-time error '13':\n\nType mismatch");
+    expectError("Run-time error '13':\n\nType mismatch\n\nThe blood sugar level is not a number. Nothing was stored.");
     click("cmdOK");
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(text("txtComment"), "kept");
@@ -341,6 +369,20 @@ TEST_F(AddBloodSugar, ADiaryThatIsNotThereStoresNothingAndTheFormStaysUsable)
     ASSERT_TRUE(QFile::rename(path + ".away", path));
     click("cmdSave");
     EXPECT_THAT(storedReadings(path), ElementsAre("5.6 | 03/03/2002 08:15:00 | 1 | kept"));
+}
+
+TEST_F(AddBloodSugar, ADiaryThatMayNotBeWrittenIsReportedAndNothingIsStored)
+{
+    const OrdinaryUser user(path);
+    type("txtBloodSugar", "5.6");
+    EXPECT_CALL(dialogs, showError(&*form, testing::Truly([](const QString& text) {
+                    return text.startsWith("Run-time error '3027':\n\nCannot update.");
+                }),
+                                   _));
+    click("cmdSave");
+    EXPECT_TRUE(form->isVisible());
+    expectSavingAllowed(true);
+    EXPECT_THAT(storedReadings(path), IsEmpty());
 }
 
 TEST_F(AddBloodSugar, ADiaryThatAnotherProgramIsChangingIsReportedAndNothingIsStored)
