@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/database.h"
+#include "data/support/print_text.h"
 #include "jet/database.h"
 
 #include <QTemporaryDir>
