@@ -4,11 +4,13 @@
 # include every other. So each layer gets an include root of its own in the build tree that holds nothing but a link to
 # the layer's folder, and passes that root on to those who link it. An include of a layer that is not linked fails.
 #
-#   quillon_layer(NAME target FOLDER path/below/src LINKS targets... HEADERS ... SOURCES ... [QT])
+#   quillon_layer(NAME target FOLDER path/below/src LINKS targets... HEADERS ... SOURCES ... [QT]
+#                 [PRIVATE_LINKS targets...] [INTERNAL_HEADERS ...])
 #
-# QT turns on moc and uic. Paths of HEADERS and SOURCES are relative to the folder.
+# QT turns on moc and uic. Paths of HEADERS and SOURCES are relative to the folder. INTERNAL_HEADERS are for the layer's
+# own sources alone; tests that look inside link target_internals.
 function(quillon_layer)
-  cmake_parse_arguments(PARSE_ARGV 0 layer "QT" "NAME;FOLDER" "LINKS;PRIVATE_LINKS;HEADERS;SOURCES")
+  cmake_parse_arguments(PARSE_ARGV 0 layer "QT" "NAME;FOLDER" "LINKS;PRIVATE_LINKS;HEADERS;INTERNAL_HEADERS;SOURCES")
   set(root ${PROJECT_BINARY_DIR}/layers/${layer_NAME})
   cmake_path(GET layer_FOLDER PARENT_PATH parent)
   file(MAKE_DIRECTORY ${root}/${parent})
@@ -41,4 +43,16 @@ function(quillon_layer)
   target_sources(${layer_NAME} ${scope} FILE_SET HEADERS BASE_DIRS ${root} FILES ${linked_headers})
   target_include_directories(${layer_NAME} ${scope} ${root})
   target_link_libraries(${layer_NAME} ${scope} ${layer_LINKS})
+
+  if(layer_INTERNAL_HEADERS)
+    set(internal_root ${root}_internals)
+    file(MAKE_DIRECTORY ${internal_root}/${layer_FOLDER})
+    foreach(header IN LISTS layer_INTERNAL_HEADERS)
+      file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${layer_FOLDER}/${header} ${internal_root}/${layer_FOLDER}/${header} SYMBOLIC)
+    endforeach()
+    target_include_directories(${layer_NAME} PRIVATE ${internal_root})
+    add_library(${layer_NAME}_internals INTERFACE)
+    target_include_directories(${layer_NAME}_internals INTERFACE ${internal_root})
+    target_link_libraries(${layer_NAME}_internals INTERFACE ${layer_NAME} ${layer_PRIVATE_LINKS})
+  endif()
 endfunction()
