@@ -175,6 +175,11 @@ void CatalogueCheck::checkRelationships()
         if (row.position < 0 || row.position >= row.columns || !positions[row.name].insert(row.position).second) {
             faults_->add(row.address.page, what + "does not number its columns from 0 to their count");
         }
+        if (std::none_of(objects_.begin(), objects_.end(), [&](const auto& object) {
+                return object.second.type == kRelationshipType && sameName(object.second.name, row.name);
+            })) {
+            faults_->add(row.address.page, what + "is not in the catalogue");
+        }
         checkRelationshipSide(row, row.referencingTable, row.referencingColumn);
         checkRelationshipSide(row, row.referencedTable, row.referencedColumn);
         const TableCheck* referencing = tableNamed(row.referencingTable);

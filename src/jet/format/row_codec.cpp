@@ -115,7 +115,7 @@ Value RowView::value(const Column& column) const
 }
 
 RowBuilder::RowBuilder(const TableDefinition& definition)
-    : definition_(&definition), variable_(definition.maximumVariableColumns), mask_(maskSize(definition.maximumColumns))
+    : variable_(definition.maximumVariableColumns), mask_(maskSize(definition.maximumColumns))
 {
     std::size_t fixedSize = 0;
     for (const Column& column : definition.columns) {

@@ -58,7 +58,7 @@ private:
 class RowBuilder
 {
 public:
-    /// All columns null, Booleans false. The definition must outlive the builder.
+    /// All columns null, Booleans false.
     explicit RowBuilder(const TableDefinition& definition);
     /// The values of a stored row, bytes unchanged, those of types unknown included. What deleted columns left is
     /// dropped.
@@ -75,7 +75,6 @@ private:
     void store(const Column& column, ByteView bytes);
     void setBit(std::size_t column, bool on);
 
-    const TableDefinition* definition_;
     Bytes fixed_;                 ///< the column count and the fixed part
     std::vector<Bytes> variable_; ///< by slot
     Bytes mask_;

@@ -684,6 +684,12 @@ const std::vector<Case> kRelationships{
          return diary.dataPage("MSysRelationships");
      },
      "Relationship \"MealsFoods\" is enforced, but \"Foods\" has no index for it"},
+    {"RelationshipThatTheCatalogueForgot",
+     [](Diary& diary) -> PageNumber {
+         diary.eraseRow("MSysObjects", diary.catalogueRow(u"MealsFoods"));
+         return diary.dataPage("MSysRelationships");
+     },
+     "Relationship \"MealsFoods\" is not in the catalogue"},
     {"RelationshipOfNoTable",
      [](Diary& diary) -> PageNumber {
          return diary.setValue("MSysRelationships", 0, "szReferencedObject", u"Dishes").page;
