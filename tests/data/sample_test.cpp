@@ -54,7 +54,7 @@ public:
     QString rows(const char* sql)
     {
         QStringList result;
-        sqlite3_exec(
+        const int code = sqlite3_exec(
             connection_.get(), sql,
             [](void* list, int count, char** values, char**) {
                 QStringList row;
@@ -65,6 +65,7 @@ public:
                 return 0;
             },
             &result, nullptr);
+        EXPECT_EQ(code, SQLITE_OK) << sqlite3_errmsg(connection_.get());
         return result.join(QStringLiteral(" | "));
     }
 
@@ -121,7 +122,8 @@ TEST_F(DiaryOfThirtyDays, TheMealsWithTheirNumberOfFoodsFromTheLatestOn)
 TEST_F(DiaryOfThirtyDays, ReadingsAndMealsInOneListByTime)
 {
     const char* const sql =
-        "SELECT strftime('%d/%m/%Y %H:%M:%S', t), printf('%!.15g', round(v, 6)),  || k ||  FROM (SELECT "
+        "SELECT strftime('%d/%m/%Y %H:%M:%S', t), iif(v IS NULL, NULL, printf('%!.15g', round(v, 6))), quote(k) FROM "
+        "(SELECT "
         "ReadingTime t, BloodSugerLevel v, 'Reading' k, 1 p, BloodSugerNo n FROM BloodSugarLevels UNION ALL SELECT "
         "MealTime, \"Insulin Dosage\", 'Meal', 2, MealNo FROM Meals) ORDER BY t, p, n";
     EXPECT_EQ(ours(QStringLiteral("select When, Round(Amount, 6), Kind from ExcelHistory")), theirs(sql));
