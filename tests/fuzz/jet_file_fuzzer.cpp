@@ -160,7 +160,11 @@ void changeEverything(Database& database)
     attempt([&] {
         for (const TableEntry& entry : database.tables()) {
             if (!entry.system) {
-                attempt([&] { changeTable(database.table(entry.name)); });
+                attempt([&] {
+                    Transaction transaction(database);
+                    changeTable(database.table(entry.name));
+                    transaction.commit();
+                });
             }
         }
     });
