@@ -62,17 +62,27 @@ TEST_F(UnwritableOutput, HelpCanFailToo)
 
 TEST_F(UnwritableOutput, ClosedStreamsNeverLeadIntoTheDiary)
 {
+    // Far more than a buffer holds, so that it is written while the diary is open: 8 to the power of 5 lines.
+    const QString sql = QStringLiteral("select a.Text from BloodSugarReadingTypes as a, BloodSugarReadingTypes as b, "
+                                       "BloodSugarReadingTypes as c, BloodSugarReadingTypes as d, "
+                                       "BloodSugarReadingTypes as e");
+    const QStringList arguments{QStringLiteral("sql"), diary_.path(), sql};
+    ASSERT_EQ(linesOf(quillonctl(arguments).out).size(), 1U + 32768U);
     const QByteArray before = fileBytes();
-    ASSERT_FALSE(before.isEmpty());
-    const Outcome closedOutput = dumpWith([] { ::close(STDOUT_FILENO); });
+    // The lowest free number is given to the next file that is opened, so each number has its turn.
+    for (int closed = STDIN_FILENO; closed <= STDERR_FILENO; ++closed) {
+        const Outcome outcome =
+            quillonctl(arguments, {QStringLiteral("C.UTF-8"), [closed] {
+                                       for (int stream = closed; stream <= STDERR_FILENO; ++stream) {
+                                           ::close(stream);
+                                       }
+                                   }});
+        EXPECT_EQ(outcome.status, closed <= STDOUT_FILENO ? 1 : 0);
+        EXPECT_TRUE(fileBytes() == before) << "streams closed from number " << closed << " on";
+    }
+    const Outcome closedOutput = quillonctl(arguments, {QStringLiteral("C.UTF-8"), [] { ::close(STDOUT_FILENO); }});
     EXPECT_EQ(closedOutput.status, 1);
     EXPECT_THAT(closedOutput.err, StartsWith("quillonctl: Cannot write the output: "));
-    const Outcome allClosed = dumpWith([] {
-        ::close(STDIN_FILENO);
-        ::close(STDOUT_FILENO);
-        ::close(STDERR_FILENO);
-    });
-    EXPECT_EQ(allClosed.status, 1);
     EXPECT_TRUE(fileBytes() == before);
 }
 
