@@ -112,7 +112,8 @@ TEST(DateText, AdditionOfDateAndTimeIsTheDateTime)
     const double date = parseDate(u"05/03/2002", kBritish)->days;
     for (int minute = 0; minute < 24 * 60; ++minute) {
         const QString time = QStringLiteral("%1:%2").arg(minute / 60).arg(minute % 60, 2, 10, QLatin1Char('0'));
-        ASSERT_EQ(parseDate(QStringLiteral("05/03/2002 ") + time, kBritish)->days, date + parseDate(time, kBritish)->days);
+        ASSERT_EQ(parseDate(QStringLiteral("05/03/2002 ") + time, kBritish)->days,
+                  date + parseDate(time, kBritish)->days);
     }
 }
 
