@@ -104,7 +104,10 @@ public:
         });
     }
 
-    QString whyReadOnly() const override { return QString::fromStdString(table().whyReadOnly()); }
+    QString whyReadOnly() const override
+    {
+        return translating(session_->path(), [&] { return QString::fromStdString(table().whyReadOnly()); });
+    }
 
     runtime::Value stored(int field, const runtime::Value& value) const override
     {

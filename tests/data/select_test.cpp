@@ -116,6 +116,13 @@ TEST_F(SelectStatement, GroupsOfAnExpressionCanShowIt)
               SQL("10 | 11 | 12 | 13"));
 }
 
+TEST_F(SelectStatement, ANumberInGroupByIsAValueAndNoPosition)
+{
+    EXPECT_EQ(rows(SQL("SELECT MealID, Count(*) FROM MealContent GROUP BY MealID, 2")), SQL("1, 2 | 2, 1 | 3, 2"));
+    EXPECT_EQ(rows(SQL("SELECT Sum(Quantity), 1 FROM MealContent GROUP BY 1")), SQL("690.0, 1"));
+    EXPECT_EQ(rows(SQL("SELECT Count(*) FROM MealContent WHERE False GROUP BY -7")), QString());
+}
+
 TEST_F(SelectStatement, AColumnThatIsNeitherGroupedNorSummedIsRefused)
 {
     EXPECT_EQ(errorOf(SQL("SELECT MealNo, Count(*) FROM Meals")), 3122);

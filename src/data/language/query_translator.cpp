@@ -66,7 +66,7 @@ struct QueryTranslator::Draft {
     QString from;
     QString where;
     QString having;
-    std::vector<QString> groups;
+    std::vector<TypedSql> groups;
     bool grouped = false;
     std::vector<Output> outputs;
     std::vector<OrderTerm> order; ///< by the select's own expressions
@@ -97,7 +97,7 @@ Relation QueryTranslator::select(const Select& select, const std::vector<OrderIt
     draft.grouped = isGrouped(select, orderBy);
     for (const ExpressionPtr& expression : select.groupBy) {
         const TypedSql key = value(*expression, scope);
-        draft.groups.push_back(key.type.isText() ? collated(key) : key.sql);
+        draft.groups.push_back(key);
         scope.groupKeys.push_back(key.sql);
     }
     scope.aliases = &select.items;
@@ -112,6 +112,15 @@ Relation QueryTranslator::select(const Select& select, const std::vector<OrderIt
     completeOrder(draft, scope);
     Relation relation = assembled(draft, scope);
     return select.top ? top(std::move(relation), *select.top, draft.explicitTerms) : relation;
+}
+
+/// SQLite takes a whole number in GROUP BY for the position of a column.
+QString QueryTranslator::groupTerm(const TypedSql& key)
+{
+    if (key.literal && key.type.isWhole()) {
+        return QStringLiteral("CAST(%1 AS INTEGER)").arg(key.sql);
+    }
+    return key.type.isText() ? collated(key) : key.sql;
 }
 
 // --- Output columns ----------------------------------------------------------------------------------------------
@@ -230,8 +239,8 @@ void QueryTranslator::completeOrder(Draft& draft, const Scope& scope) const
             add({wrapped(output.sql, Rank::Atom), false, output.sql.type.isText()});
         }
     } else if (draft.grouped) {
-        for (std::size_t i = 0; i < draft.groups.size(); ++i) {
-            add({u'(' + scope.groupKeys[i] + u')', false, draft.groups[i] != scope.groupKeys[i]});
+        for (const TypedSql& group : draft.groups) {
+            add({wrapped(group, Rank::Atom), false, group.type.isText()});
         }
     } else {
         for (const Source& source : scope.sources) {
@@ -308,7 +317,11 @@ Relation QueryTranslator::assembled(const Draft& draft, const Scope& scope) cons
     clause(" FROM ", draft.from);
     clause(" WHERE ", draft.where);
     if (!draft.groups.empty()) {
-        clause(" GROUP BY ", QStringList(draft.groups.begin(), draft.groups.end()).join(QStringLiteral(", ")));
+        QStringList groups;
+        for (const TypedSql& group : draft.groups) {
+            groups.append(groupTerm(group));
+        }
+        clause(" GROUP BY ", groups.join(QStringLiteral(", ")));
     } else if (select.distinctRow && !draft.grouped) {
         clause(" GROUP BY ", distinctRowGroups(draft.outputs, scope));
     }

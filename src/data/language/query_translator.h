@@ -38,6 +38,7 @@ private:
 
     // One select
     Relation select(const Select& select, const std::vector<OrderItem>& orderBy, Scope* outer);
+    [[nodiscard]] static QString groupTerm(const TypedSql& key);
     std::vector<Output> outputs(const Select& select, Scope& scope);
     void addAllColumns(const OutputItem& item, const Scope& scope, std::vector<Output>& outputs) const;
     [[nodiscard]] static QString outputName(const OutputItem& item, const std::vector<Output>& before);
