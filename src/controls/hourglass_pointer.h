@@ -1,6 +1,7 @@
 // The hourglass while something takes long.
 #pragma once
 
+#include <QCursor>
 #include <QGuiApplication>
 
 namespace controls {

@@ -214,6 +214,16 @@ private:
     LockLadder locks_;
 };
 
+/// A program that was started with a standard stream closed opens its first file under that stream's number, and
+/// whatever it or a library then says on the stream would be written into the diary. So no file stays there.
+Descriptor clearOfStandardStreams(Descriptor opened, const std::string& path)
+{
+    if (opened.get() > STDERR_FILENO) {
+        return opened;
+    }
+    return Descriptor(retried("open", path, [&] { return ::fcntl(opened.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1); }));
+}
+
 std::unique_ptr<PosixFile> openFile(const std::string& path, OpenMode mode)
 {
     // O_NONBLOCK: opening a named pipe would otherwise wait for its other end. Regular files do not know it.
@@ -236,7 +246,8 @@ std::unique_ptr<PosixFile> openFile(const std::string& path, OpenMode mode)
         }
         fail(errno, mode == OpenMode::Create ? "create" : "open", path);
     }
-    auto file = std::make_unique<PosixFile>(Descriptor(number), path, mode == OpenMode::ReadOnly);
+    auto file =
+        std::make_unique<PosixFile>(clearOfStandardStreams(Descriptor(number), path), path, mode == OpenMode::ReadOnly);
     const mode_t kind = file->status().st_mode;
     if (!S_ISREG(kind)) {
         throw Error(ErrorCode::Io, "Cannot open " + path + ": it is a " +

@@ -434,5 +434,28 @@ TEST_F(RealFile, ALockOfAnotherProcessIsSeenAndEndsWithIt)
     }
 }
 
+TEST_F(RealFile, WhatIsSaidOnAClosedStandardStreamDoesNotEndInTheFile)
+{
+    make("abc");
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            ::close(stream);
+        }
+        const auto file = open(OpenMode::ReadWrite);
+        bool refused = true;
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            refused = ::write(stream, "!", 1) < 0 && refused;
+        }
+        Bytes content(3);
+        file->readAt(0, content);
+        ::_exit(refused && content == text("abc") ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
 } // namespace
 } // namespace jet
