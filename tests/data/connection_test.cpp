@@ -135,10 +135,18 @@ TEST(ErrorTranslation, EveryErrorOfTheEngineHasANumberAndWords)
     const runtime::RunTimeError corrupt =
         translated(jet::Error(jet::ErrorCode::Corrupt, 7, "A row is cut."), QStringLiteral("d.mdb"));
     EXPECT_EQ(corrupt.words(), QStringLiteral("Unrecognized database format 'd.mdb'."));
-    EXPECT_EQ(corrupt.hint(), QStringLiteral("A row is cut. (page 7)"));
+    EXPECT_EQ(corrupt.hint(), QStringLiteral("A row is cut (page 7)."));
     EXPECT_TRUE(translated(jet::Error(jet::ErrorCode::JournalDamaged, "Torn."), QStringLiteral("d"))
                     .hint()
                     .contains(QStringLiteral("Both files")));
+}
+
+TEST(ErrorTranslation, AHintEndsWithOneFullStopWhateverTheEngineWrote)
+{
+    for (const char* words : {"It is torn", "It is torn."}) {
+        EXPECT_EQ(translated(jet::Error(jet::ErrorCode::Io, words), QStringLiteral("d")).hint(),
+                  QStringLiteral("It is torn."));
+    }
 }
 
 } // namespace

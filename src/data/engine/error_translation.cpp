@@ -11,11 +11,23 @@ RunTimeError unrecognised(const QString& path, const QString& hint)
     return {ErrorNumber::UnrecognisedFormat, QStringLiteral("Unrecognized database format '%1'.").arg(path), hint};
 }
 
+/// The engine's words with one full stop at the end, behind the page where there is one.
+QString sentenceOf(const jet::Error& error)
+{
+    QString words = QString::fromUtf8(error.what());
+    const QString place = error.page() ? QStringLiteral(" (page %1)").arg(*error.page()) : QString();
+    words.chop(place.size());
+    while (words.endsWith(u'.')) {
+        words.chop(1);
+    }
+    return words + place + u'.';
+}
+
 } // namespace
 
 RunTimeError translated(const jet::Error& error, const QString& path)
 {
-    const QString sentence = QString::fromUtf8(error.what());
+    const QString sentence = sentenceOf(error);
     switch (error.code()) {
     case jet::ErrorCode::FileNotFound:
         return {ErrorNumber::FileNotFound, QStringLiteral("Could not find file '%1'.").arg(path),
