@@ -245,6 +245,24 @@ void checkColumns(const TableDefinition& definition)
     }
 }
 
+/// Changing one of two columns that share bytes would change the other behind its indexes' back.
+void checkFixedParts(const TableDefinition& definition)
+{
+    std::vector<const Column*> fixed;
+    for (const Column& column : definition.columns) {
+        if (column.isFixed() && column.type != ColumnType::Boolean) {
+            fixed.push_back(&column);
+        }
+    }
+    std::sort(fixed.begin(), fixed.end(),
+              [](const Column* a, const Column* b) { return a->fixedOffset < b->fixedOffset; });
+    for (std::size_t i = 1; i < fixed.size(); ++i) {
+        if (fixed[i - 1]->fixedOffset + fixed[i - 1]->length > fixed[i]->fixedOffset) {
+            throwCorrupt("The columns " + fixed[i - 1]->name + " and " + fixed[i]->name + " share bytes of a row");
+        }
+    }
+}
+
 void checkIndexes(const TableDefinition& definition)
 {
     for (const RealIndex& index : definition.realIndexes) {
@@ -352,6 +370,7 @@ TableDefinition decodeTableDefinition(ByteView bytes)
         throwCorrupt("A table's definition goes on past its end");
     }
     checkColumns(definition);
+    checkFixedParts(definition);
     checkIndexes(definition);
     return definition;
 }
