@@ -21,9 +21,10 @@ public:
 
 private:
     std::optional<qsizetype> search(const ReportList& list);
+    void advance();
 
     QString text_;
-    qint16 position_ = 0; ///< of the line last looked at; 6 overflow where a search goes beyond line 32,767
+    qint16 position_ = 0; ///< of the line last looked at; 6 overflow where a search goes beyond 32,767
 };
 
 } // namespace reports

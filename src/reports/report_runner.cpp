@@ -1,6 +1,8 @@
 #include "reports/report_runner.h"
 
 #include "reports/basic_report.h"
+#include "reports/daily_analysis.h"
+#include "reports/statistics.h"
 
 #include <algorithm>
 #include <array>
@@ -11,6 +13,8 @@ std::span<const Report> allReports()
 {
     static const std::array reports = {
         Report{QStringLiteral("basic"), QStringLiteral("Basic Blood Sugar Data"), buildBasicReport},
+        Report{QStringLiteral("daily"), QStringLiteral("Daily Analysis"), buildDailyAnalysis},
+        Report{QStringLiteral("stats"), QStringLiteral("Stats"), buildStatistics},
     };
     return reports;
 }
