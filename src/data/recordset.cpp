@@ -121,6 +121,16 @@ void Recordset::movePrevious()
     }
 }
 
+void Recordset::moveTo(qsizetype position)
+{
+    State& state = open();
+    if (position < 0 || !state.source->hasRow(position)) {
+        throw RunTimeError(ErrorNumber::NoCurrentRecord);
+    }
+    state.beginMove();
+    state.moveTo(position);
+}
+
 qsizetype Recordset::recordCount() const
 {
     return open().source->rowCount();
@@ -201,7 +211,7 @@ void Recordset::edit()
     requireUpdatable();
     State& state = open();
     state.requireRecord();
-    static_cast<void>(state.source->value(state.row, 0)); // it may be gone meanwhile
+    state.source->readAgain(state.row);
     state.values.clear();
     state.change = State::Change::Edit;
 }

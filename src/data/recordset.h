@@ -27,8 +27,9 @@ public:
     [[nodiscard]] bool eof() const;
     void moveFirst(); ///< 3021 when there is no record; so do all moves
     void moveLast();
-    void moveNext();     ///< from the last record to eof; 3021 when at eof
-    void movePrevious(); ///< from the first record to bof; 3021 when at bof
+    void moveNext();                 ///< from the last record to eof; 3021 when at eof
+    void movePrevious();             ///< from the first record to bof; 3021 when at bof
+    void moveTo(qsizetype position); ///< counted from 0; 3021 when there are fewer records
     [[nodiscard]] qsizetype recordCount() const;
 
     [[nodiscard]] int fieldCount() const;
@@ -41,7 +42,7 @@ public:
     // returns.
     [[nodiscard]] bool isUpdatable() const;
     void addNew();
-    void edit();
+    void edit(); ///< reads the current record again: another connection may have changed it, or deleted it (3167)
     void set(const QString& name, const runtime::Value& value); ///< converts as far as the field's type allows, else 13
     void update(); ///< a new record joins at the end; the current record stays what it was
     void cancelUpdate();

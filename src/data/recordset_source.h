@@ -27,8 +27,10 @@ public:
     [[nodiscard]] virtual qsizetype rowCount() = 0;
     /// The number of the last row; there is one.
     [[nodiscard]] virtual qsizetype lastRow() = 0;
-    /// 3167 when the row was deleted meanwhile.
+    /// 3167 when the row was deleted meanwhile. The row is read when it was not the last one read.
     [[nodiscard]] virtual runtime::Value value(qsizetype row, int field) = 0;
+    /// Reads the row again where it can have changed; 3167 as above.
+    virtual void readAgain(qsizetype row) = 0;
 
     /// Why the rows cannot be changed; empty when they can.
     [[nodiscard]] virtual QString whyReadOnly() const = 0;

@@ -38,6 +38,7 @@ public:
     qsizetype rowCount() override { return rows_.rowCount(); }
     qsizetype lastRow() override { return rows_.rowCount() - 1; }
     runtime::Value value(qsizetype row, int field) override { return rows_.value(row, field); }
+    void readAgain(qsizetype) override {}
 
     QString whyReadOnly() const override
     {
@@ -104,6 +105,14 @@ public:
         });
     }
 
+    void readAgain(qsizetype row) override
+    {
+        translating(session_->path(), [&] {
+            forget();
+            static_cast<void>(read(row));
+        });
+    }
+
     QString whyReadOnly() const override
     {
         return translating(session_->path(), [&] { return QString::fromStdString(table().whyReadOnly()); });
@@ -131,8 +140,7 @@ public:
     void change(qsizetype row, const FieldValues& values) override
     {
         translating(session_->path(), [&] {
-            forget();
-            static_cast<void>(read(row));
+            readAgain(row);
             forget();
             table().update(addressOf(addresses_[static_cast<std::size_t>(row)]), columnValues(values));
             session_->countChange();

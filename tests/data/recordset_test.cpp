@@ -64,6 +64,23 @@ TEST_F(RecordsetCursor, MovesPastBothEndsAndBack)
     }
 }
 
+TEST_F(RecordsetCursor, MovesToARecordByItsPosition)
+{
+    Database database = open();
+    for (const QString& source :
+         {SQL("Meals"), SQL("select * from Meals order by MealNo"), SQL("select MealNo + 0 from Meals")}) {
+        Recordset meals = database.openRecordset(source);
+        meals.moveTo(2);
+        EXPECT_EQ(textOf(meals.value(0)), SQL("3"));
+        meals.moveTo(0);
+        EXPECT_EQ(textOf(meals.value(0)), SQL("1"));
+        meals.moveTo(3);
+        EXPECT_EQ(errorIn([&] { meals.moveTo(4); }), 3021);
+        EXPECT_EQ(errorIn([&] { meals.moveTo(-1); }), 3021);
+        EXPECT_EQ(textOf(meals.value(0)), SQL("4")) << "a move that fails leaves the record";
+    }
+}
+
 TEST_F(RecordsetCursor, OnAnEmptyResultBothEndsHoldAndNoMoveWorks)
 {
     Database database = open();
@@ -301,6 +318,23 @@ TEST_F(RecordsetChange, TwoRecordsetsSeeEachOthersChanges)
     first.set(SQL("Insulin Dosage"), 8);
     first.update();
     EXPECT_EQ(textOf(second.value(SQL("Insulin Dosage"))), SQL("8"));
+}
+
+TEST_F(RecordsetChange, AnEditSeesWhatAnotherConnectionMadeOfTheRecordSinceItWasRead)
+{
+    Database database = open();
+    Recordset meals = database.openRecordset(SQL("Meals"));
+    EXPECT_EQ(textOf(meals.value(SQL("Insulin Dosage"))), SQL("7"));
+    Database other = open();
+    Recordset same = other.openRecordset(SQL("Meals"));
+    same.edit();
+    same.set(SQL("Insulin Dosage"), 8);
+    same.update();
+    meals.edit();
+    EXPECT_EQ(textOf(meals.value(SQL("Insulin Dosage"))), SQL("8"));
+    meals.cancelUpdate();
+    EXPECT_EQ(other.execute(SQL("delete from Meals where MealNo = 1")), 1);
+    EXPECT_EQ(errorIn([&] { meals.edit(); }), 3167);
 }
 
 TEST_F(RecordsetChange, AChangeOfTheFileByAnotherConnectionIsSeen)
