@@ -1,12 +1,10 @@
 #include "reports/basic_report.h"
 
 #include "data/database.h"
-#include "reports/date_filter.h"
 #include "reports/modDisp.h"
 #include "reports/modTabs.h"
+#include "reports/readings_report.h"
 #include "runtime/conversions.h"
-#include "runtime/format.h"
-#include "runtime/run_time_error.h"
 
 namespace reports {
 namespace {
@@ -23,35 +21,14 @@ Style styleOf(double mmol)
     return mmol > kHigh ? Green : Blue;
 }
 
-QString heading(const ReportState& state)
-{
-    return QStringLiteral("All Blood Sugar Readings\r\n") + state.strPath + QStringLiteral("\r\nPrinted - ") +
-           runtime::format(state.clock->now(), QStringLiteral("dddd dd mmmm yyyy hh:mm")) + QStringLiteral("\r\n\r\n");
-}
-
-void moveToFirstReading(data::Recordset& readings, const QString& strWhere)
-{
-    try {
-        readings.moveFirst();
-    } catch (const runtime::RunTimeError& error) {
-        if (error.code() != runtime::ErrorNumber::NoCurrentRecord) {
-            throw;
-        }
-        throw error.withHint(
-            strWhere.isEmpty() ? QStringLiteral("The diary holds no blood sugar reading yet.")
-                               : QStringLiteral("There is no blood sugar reading between the filter's dates; set other "
-                                                "dates and choose Apply, or choose Clear to list all readings."));
-    }
-}
-
 } // namespace
 
 void buildBasicReport(ReportState& state)
 {
-    state.ReportTitle = heading(state);
+    state.ReportTitle = headingWith(QStringLiteral("All Blood Sugar Readings"), state);
 
     data::Database database(state.strPath);
-    data::Recordset readings = database.openRecordset(filteredSource(QStringLiteral("ExcelHistory"), state.strWhere));
+    data::Recordset readings = openReadings(database, state.strWhere);
 
     state.lstView.clear();
     SetListTabStops(state.lstView, {30, 110, 160});
@@ -60,13 +37,31 @@ void buildBasicReport(ReportState& state)
     state.lstView.addItem(FieldNamesLine(readings), Bold);
     state.lstView.addItem(QString());
 
-    moveToFirstReading(readings, state.strWhere);
+    requireCurrent(readings, noReadingHint(state.strWhere));
     while (!readings.eof()) {
         state.lstView.addItem(FormatRecordLine(readings));
         const double mmol = runtime::toDouble(readings.value(QStringLiteral("Mmol")));
         state.lstView.setStyle(state.lstView.size() - 1, styleOf(mmol));
         readings.moveNext();
     }
+}
+
+void printBasicReport(Printer& printer, const ReportState& state)
+{
+    const QString wholeHistory;
+
+    data::Database database(state.strPath);
+    data::Recordset readings = openReadings(database, wholeHistory);
+
+    printer.print(FieldNamesLine(readings));
+    printer.print(QString());
+
+    requireCurrent(readings, noReadingHint(wholeHistory));
+    while (!readings.eof()) {
+        printer.print(u'\t' + FormatRecordLine(readings));
+        readings.moveNext();
+    }
+    printer.endDocument();
 }
 
 } // namespace reports

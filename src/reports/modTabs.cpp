@@ -2,6 +2,7 @@
 
 #include "data/recordset.h"
 #include "runtime/conversions.h"
+#include "runtime/run_time_error.h"
 
 #include <QStringList>
 
@@ -15,6 +16,24 @@ void SetListTabStops(ReportList& list, const QList<double>& dialogUnits)
         tabStops.append(runtime::toLong(units));
     }
     list.setTabStops(tabStops);
+}
+
+void PrintTabbedLine(Printer& printer, const QString& line, const QList<double>& positions)
+{
+    // Rounded before there is room made for it: the rounded height is the one that must fit.
+    printer.setCurrentY(runtime::toLong(printer.currentY()));
+    printer.makeRoomForLine();
+    const double y = printer.currentY();
+
+    const QStringList columns = line.split(u'\t');
+    for (qsizetype column = 0; column < columns.size(); ++column) {
+        if (column >= positions.size()) {
+            throw runtime::RunTimeError(runtime::ErrorNumber::SubscriptOutOfRange);
+        }
+        printer.setCurrentX(positions.at(column));
+        printer.setCurrentY(y);
+        printer.print(columns.at(column));
+    }
 }
 
 QString FieldNamesLine(const data::Recordset& records)

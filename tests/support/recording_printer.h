@@ -50,7 +50,7 @@ class RecordingPrinter : public reports::Printer
 public:
     struct Measures {
         double width = 10000;
-        double height = 3000; ///< twelve lines and a half
+        double height = 2400; ///< ten lines
         double lineHeight = 240;
     };
 
