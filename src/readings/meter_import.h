@@ -1,6 +1,8 @@
 // Readings from a blood glucose meter's export: a text file of lines with comma-separated fields.
 #pragma once
 
+#include "runtime/run_time_error.h"
+
 #include <QString>
 
 namespace readings {
@@ -14,11 +16,28 @@ struct MeterImport {
     QString after;     ///< the cut-off as typed: readings at this moment or before it are passed over
 };
 
+/// A line that cannot be taken ended an import; the hint names it by number and text, and what was added before it.
+class ImportStopped : public runtime::RunTimeError
+{
+public:
+    ImportStopped(const runtime::RunTimeError& error, QString goOnAfter)
+        : RunTimeError(error), goOnAfter_(std::move(goOnAfter))
+    {
+    }
+
+    /// The cut-off that goes on where the import stopped: the latest moment that it added, or, when it added nothing,
+    /// the cut-off that it was given.
+    [[nodiscard]] const QString& goOnAfter() const { return goOnAfter_; }
+
+private:
+    QString goOnAfter_;
+};
+
 /// Adds the file's readings that are later than the cut-off, as unclassified ones, and returns how many. Lines that do
-/// not begin with a date are passed over. All in one transaction, which is committed at the end and also when a line
-/// stops the import: what was added before it stays.
-/// Errors name the line by number and text: 13 for a cut-off that is no date or a text that is no time or number,
-/// 9 for too few fields, 6 after 32,767 readings. 53 when the file cannot be read.
+/// not begin with a date are passed over. The number has a point in every locale.
+/// All in one transaction, which is committed at the end and also when a line stops the import: what was added before
+/// it stays. Throws ImportStopped with 13 for a cut-off that is no date or a text that is no time or number, 9 for too
+/// few fields, 6 after 32,767 readings; the errors of TextLines; and those of the diary, when nothing was added.
 int ImportReadings(const MeterImport& import);
 
 } // namespace readings

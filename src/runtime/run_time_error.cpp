@@ -26,6 +26,8 @@ QString usualWords(ErrorNumber number)
         return QStringLiteral("Invalid pattern string");
     case ErrorNumber::InvalidUseOfNull:
         return QStringLiteral("Invalid use of Null");
+    case ErrorNumber::InvalidFileFormat:
+        return QStringLiteral("Invalid file format");
     case ErrorNumber::PrinterError:
         return QStringLiteral("Printer error");
     case ErrorNumber::NoCurrentRecord:
@@ -82,6 +84,8 @@ QString usualWords(ErrorNumber number)
         return QStringLiteral("Specify the table containing the records you want to delete.");
     case ErrorNumber::RecordDeleted:
         return QStringLiteral("Record is deleted.");
+    case ErrorNumber::DataChanged:
+        return QStringLiteral("Data has changed; operation stopped.");
     case ErrorNumber::InvalidOperation:
         return QStringLiteral("Invalid operation.");
     case ErrorNumber::UnionColumnsDiffer:

@@ -1,0 +1,174 @@
+#include "readings/meter_import.h"
+
+#include "data/database.h"
+#include "readings/text_lines.h"
+#include "runtime/conversions.h"
+#include "runtime/format.h"
+#include "runtime/number_text.h"
+
+#include <QLocale>
+#include <QStringList>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace readings {
+
+namespace {
+
+using runtime::ErrorNumber;
+using runtime::RunTimeError;
+
+constexpr int kMostReadings = std::numeric_limits<qint16>::max(); // they are counted in 16 bits
+constexpr qint32 kUnclassified = 0;
+
+enum FieldPosition { DateField, TimeField, LevelField };
+
+/// A line's fields are worth what follows their first character. What a long line's end was cut off from is no field.
+QStringList fieldsOf(const TextLines& lines)
+{
+    QStringList fields = lines.text().split(u',');
+    if (lines.isCut())
+        fields.removeLast();
+    return fields;
+}
+
+const QString& fieldAt(FieldPosition position, const QStringList& fields)
+{
+    if (position >= fields.size())
+        throw RunTimeError(ErrorNumber::SubscriptOutOfRange).withHint(QStringLiteral("It has too few fields."));
+    return fields.at(position);
+}
+
+runtime::Date dateIn(const QString& text, const QString& hint)
+{
+    try {
+        return runtime::toDate(text);
+    } catch (const RunTimeError& error) {
+        throw error.withHint(hint);
+    }
+}
+
+/// A meter writes a point whatever the user's locale is; what the user types follows the locale.
+double levelIn(const QString& text)
+{
+    const std::optional<double> level = runtime::parseNumber(text, QLocale::c());
+    if (!level)
+        throw RunTimeError(ErrorNumber::TypeMismatch).withHint(QStringLiteral("Its reading is not a number."));
+    if (!std::isfinite(*level))
+        throw RunTimeError(ErrorNumber::Overflow).withHint(QStringLiteral("Its reading is too large."));
+    return *level;
+}
+
+/// One run over the lines of a file.
+class Pass
+{
+public:
+    Pass(data::Recordset readings, const QString& after) : readings_(std::move(readings)), after_(after) {}
+
+    void take(const QStringList& fields)
+    {
+        const QString date = fields.value(DateField).mid(1);
+        if (!runtime::isDate(date))
+            return;
+        const runtime::Date time = dateIn(date + u' ' + fieldAt(TimeField, fields).mid(1),
+                                          QStringLiteral("Its date and time together are not a moment."));
+        if (cutOff().days < time.days)
+            add(time, levelIn(fieldAt(LevelField, fields)));
+    }
+
+    [[nodiscard]] int added() const { return added_; }
+    [[nodiscard]] QString latestAdded() const { return added_ == 0 ? after_ : runtime::toText(latestAdded_); }
+
+private:
+    /// Converted at the first reading: a file without one needs no cut-off.
+    runtime::Date cutOff()
+    {
+        if (!cutOff_)
+            cutOff_ = dateIn(after_, QStringLiteral("The cut-off \"%1\" is not a date and time.").arg(after_));
+        return *cutOff_;
+    }
+
+    void add(runtime::Date time, double level)
+    {
+        if (added_ == kMostReadings)
+            throw RunTimeError(ErrorNumber::Overflow)
+                .withHint(QStringLiteral("One import adds at most %1 readings.").arg(kMostReadings));
+        readings_.addNew();
+        readings_.set(QStringLiteral("ReadingTime"), time);
+        readings_.set(QStringLiteral("BloodSugerLevel"), level);
+        readings_.set(QStringLiteral("ReadingType"), kUnclassified);
+        readings_.update();
+        latestAdded_.days = added_ == 0 ? time.days : std::max(latestAdded_.days, time.days);
+        ++added_;
+    }
+
+    data::Recordset readings_;
+    QString after_;
+    std::optional<runtime::Date> cutOff_;
+    int added_ = 0;
+    runtime::Date latestAdded_; ///< once a reading was added
+};
+
+void commit(data::Database::Batch& batch)
+{
+    try {
+        batch.commit();
+    } catch (const RunTimeError& error) {
+        throw error.withHint(QStringLiteral("No reading was added. ") + error.hint());
+    }
+}
+
+/// As it may stand within a sentence.
+QString quoted(QString line)
+{
+    constexpr qsizetype kMostCharacters = 60;
+    if (line.size() > kMostCharacters)
+        line = line.left(kMostCharacters) + QStringLiteral("...");
+    std::replace_if(
+        line.begin(), line.end(), [](QChar character) { return !character.isPrint(); }, u' ');
+    return u'"' + line + u'"';
+}
+
+ImportStopped stoppedAt(const TextLines& lines, const RunTimeError& error, const Pass& pass)
+{
+    const QString place = QStringLiteral("The import stopped at line %1, ").arg(lines.number()) + quoted(lines.text());
+    const QString outcome = pass.added() == 0 ? QStringLiteral("Nothing was added.")
+                                              : QStringLiteral("Readings added before it: %1. Importing again with the "
+                                                               "cut-off %2 goes on from there.")
+                                                    .arg(pass.added())
+                                                    .arg(pass.latestAdded());
+    return {error.withHint(place + QStringLiteral(". ") + error.hint() + u' ' + outcome), pass.latestAdded()};
+}
+
+} // namespace
+
+QString latestReading(const QString& diaryPath)
+{
+    data::Database database(diaryPath);
+    const data::Recordset latest = database.openRecordset(QStringLiteral("LastBldReading"));
+    return latest.eof()
+               ? QString()
+               : runtime::format(latest.value(QStringLiteral("LastReading")), QStringLiteral("dd/mm/yyyy hh:mm"));
+}
+
+int ImportReadings(const MeterImport& import)
+{
+    TextLines lines(import.meterPath);
+    data::Database database(import.diaryPath);
+    Pass pass(database.openRecordset(QStringLiteral("BloodSugarLevels")), import.after);
+    data::Database::Batch batch(database);
+    try {
+        while (lines.next())
+            pass.take(fieldsOf(lines));
+    } catch (const RunTimeError& error) {
+        commit(batch);
+        throw stoppedAt(lines, error, pass);
+    }
+    commit(batch);
+    return pass.added();
+}
+
+} // namespace readings
