@@ -1,0 +1,93 @@
+#include "readings/frmEditBldSugar.h"
+
+#include "controls/data_control.h"
+#include "data/database.h"
+#include "readings/reading_entry.h"
+#include "runtime/conversions.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+
+namespace readings {
+
+namespace {
+
+/// "1 - Getting Up" and so on, a line each.
+QString typeList(const QString& diaryPath)
+{
+    data::Database database(diaryPath);
+    data::Recordset types = database.openRecordset(QStringLiteral("BloodSugarReadingTypes"));
+    QString list;
+    for (types.moveFirst(); !types.eof(); types.moveNext()) {
+        list += runtime::toText(types.value(QStringLiteral("Type"))) + QStringLiteral(" - ") +
+                runtime::toText(types.value(QStringLiteral("Text"))) + QStringLiteral("\r\n");
+    }
+    types.close();
+    database.close();
+    return list;
+}
+
+} // namespace
+
+frmEditBldSugar::frmEditBldSugar(QWidget* owner, controls::Dialogs& dialogs, const QString& diaryPath) : QDialog(owner)
+{
+    setObjectName(QStringLiteral("frmEditBldSugar"));
+    setWindowTitle(QStringLiteral("Modify Blood Sugar Readings"));
+    createControls();
+    Form_Load(dialogs, diaryPath);
+}
+
+void frmEditBldSugar::Form_Load(controls::Dialogs& dialogs, const QString& diaryPath)
+{
+    Data1 = new controls::DataControl(*this, dialogs, QStringLiteral("Blood Sugar"),
+                                      {.databasePath = diaryPath, .recordSource = QStringLiteral("BloodSugarLevels")});
+    Data1->setObjectName(QStringLiteral("Data1"));
+    layout()->addWidget(Data1);
+    Data1->bind(*txtMmol, QStringLiteral("BloodSugerLevel"));
+    Data1->bind(*txtType, QStringLiteral("ReadingType"));
+    Data1->bind(*txtTime, QStringLiteral("ReadingTime"));
+    Data1->bind(*txtComments, QStringLiteral("Comment"));
+    lblDesc->setText(typeList(diaryPath));
+}
+
+void frmEditBldSugar::createControls()
+{
+    auto* layout = new QVBoxLayout(this);
+    auto* grid = new QGridLayout;
+    layout->addLayout(grid);
+    txtMmol = addRow(*grid, "Label1", QStringLiteral("Mmol .................."), "txtMmol");
+    txtType = addRow(*grid, "Label2", QStringLiteral("Type .................."), "txtType");
+    txtTime = addRow(*grid, "Label3", QStringLiteral("Time .................."), "txtTime");
+    txtTime->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00 ")));
+
+    lblDesc = new QLabel;
+    lblDesc->setObjectName(QStringLiteral("lblDesc"));
+    lblDesc->setTextFormat(Qt::PlainText);
+    lblDesc->setAccessibleName(QStringLiteral("Types"));
+    grid->addWidget(lblDesc, 0, 2, grid->rowCount() + 1, 1);
+
+    txtComments = new QLineEdit;
+    txtComments->setObjectName(QStringLiteral("txtComments"));
+    txtComments->setAccessibleName(QStringLiteral("Comments"));
+    txtComments->setPlaceholderText(QStringLiteral("Comments"));
+    txtComments->setMaxLength(kCommentLength);
+    txtComments->setMinimumWidth(fontMetrics().averageCharWidth() * kCommentLength);
+    layout->addWidget(txtComments);
+}
+
+QLineEdit* frmEditBldSugar::addRow(QGridLayout& grid, const char* labelName, const QString& caption, const char* name)
+{
+    auto* label = new QLabel(caption);
+    label->setObjectName(QLatin1String(labelName));
+    auto* field = new QLineEdit;
+    field->setObjectName(QLatin1String(name));
+    field->setAccessibleName(QString(caption).remove(u'.').trimmed());
+    label->setBuddy(field);
+    const int row = grid.rowCount();
+    grid.addWidget(label, row, 0);
+    grid.addWidget(field, row, 1);
+    return field;
+}
+
+} // namespace readings
