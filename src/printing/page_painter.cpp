@@ -20,6 +20,7 @@ QFont font(const TextStyle& style)
     QFont font;
     font.setFamilies({QStringLiteral("DejaVu Sans"), QStringLiteral("sans-serif")});
     font.setStyleHint(QFont::SansSerif);
+    font.setStyleStrategy(QFont::PreferNoShaping); // ligatures would keep words of a PDF file from being found
     font.setPointSizeF(kPointSize);
     font.setBold(style.bold);
     font.setUnderline(style.underlined);

@@ -22,25 +22,28 @@ public:
     }
 };
 
-[[noreturn]] void refuse(const QSaveFile& file)
+[[noreturn]] void fail(const QString& hint)
 {
-    throw runtime::RunTimeError(runtime::ErrorNumber::PrinterError)
-        .withHint(QStringLiteral("The pages could not be written to '%1' (%2). Choose another folder or free some "
-                                 "space, then print again.")
-                      .arg(QDir::toNativeSeparators(file.fileName()), file.errorString()));
+    throw runtime::RunTimeError(runtime::ErrorNumber::PrinterError).withHint(hint);
 }
 
 void writeFile(const QString& path, const QString& documentName, const Pages& pages)
 {
+    const QString shownPath = QDir::toNativeSeparators(path);
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        refuse(file);
+    if (!file.open(QIODevice::WriteOnly)) {
+        fail(QStringLiteral("The file '%1' cannot be written (%2). Choose another folder or name, then print again.")
+                 .arg(shownPath, file.errorString()));
+    }
     A4Writer writer(&file);
     writer.setTitle(documentName);
     writer.setCreator(QStringLiteral("Quillon"));
     // commit() does not notice that its own last flush failed.
-    if (!paintPages(writer, pages) || !file.flush() || !file.commit())
-        refuse(file);
+    if (!paintPages(writer, pages) || !file.flush() || !file.commit()) {
+        fail(QStringLiteral("The pages could not be written to '%1': the disk may be full. Free some space, then print "
+                            "again.")
+                 .arg(shownPath));
+    }
 }
 
 } // namespace
