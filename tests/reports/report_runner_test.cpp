@@ -1,6 +1,10 @@
 #include "reports/report_runner.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 namespace reports {
 namespace {
@@ -12,7 +16,16 @@ TEST(ReportRunner, FindsEachReportByItsName)
         EXPECT_FALSE(report.title.isEmpty());
         EXPECT_NE(report.build, nullptr);
     }
-    ASSERT_NE(findReport(QStringLiteral("basic")), nullptr);
+}
+
+TEST(ReportRunner, HasTheReportsInTheOrderOfTheMenu)
+{
+    std::vector<std::string> reports;
+    for (const Report& report : allReports()) {
+        reports.push_back((report.name + QStringLiteral(": ") + report.title).toStdString());
+    }
+    EXPECT_THAT(reports,
+                testing::ElementsAre("basic: Basic Blood Sugar Data", "daily: Daily Analysis", "stats: Stats"));
 }
 
 TEST(ReportRunner, KnowsNoOtherName)

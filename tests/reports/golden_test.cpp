@@ -1,0 +1,84 @@
+// Whole reports of whole diaries, worked out by hand: one test for each file of the folder golden.
+
+#include "golden_diary.h"
+
+#include "reports/report_runner.h"
+#include "runtime/conversions.h"
+#include "runtime/run_time_error.h"
+#include "support/test_diary.h"
+
+#include <QDir>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace reports {
+namespace {
+
+/// As a golden file writes them.
+std::vector<std::string> linesOf(const ReportList& list)
+{
+    std::vector<std::string> lines;
+    for (qsizetype position = 0; position < list.size(); ++position) {
+        const ReportLine& line = list.at(position);
+        lines.push_back((line.style == Plain ? "" : std::to_string(line.style) + '>') + line.text.toStdString());
+    }
+    return lines;
+}
+
+int errorOf(const Report& report, ReportState& state)
+{
+    try {
+        report.build(state);
+        return 0;
+    } catch (const runtime::RunTimeError& error) {
+        return error.number();
+    }
+}
+
+std::vector<std::string> goldenFiles()
+{
+    std::vector<std::string> names;
+    for (const QFileInfo& file :
+         QDir(QStringLiteral(QUILLON_GOLDEN_DIARIES)).entryInfoList({QStringLiteral("*.txt")})) {
+        names.push_back(file.completeBaseName().toStdString());
+    }
+    return names;
+}
+
+class GoldenDiaryReports : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(GoldenDiaryReports, HoldTheLinesWorkedOutByHand)
+{
+    const QString path =
+        QStringLiteral(QUILLON_GOLDEN_DIARIES "/") + QString::fromStdString(GetParam()) + QStringLiteral(".txt");
+    const GoldenDiary golden = readGoldenDiary(path);
+    QLocale::setDefault(golden.locale);
+    TestDiary diary;
+    for (const GoldenDiary::Reading& reading : golden.readings) {
+        diary.addReading(reading.when, reading.mmol, reading.type,
+                         reading.comment.isEmpty() ? runtime::Value{runtime::Null{}} : reading.comment);
+    }
+
+    const runtime::FixedClock clock(runtime::toDate(QStringLiteral("01/06/2002 10:00")));
+    for (const GoldenDiary::Report& expected : golden.reports) {
+        SCOPED_TRACE(expected.name.toStdString());
+        const Report* report = findReport(expected.name);
+        ASSERT_NE(report, nullptr);
+        ReportState state;
+        state.strPath = diary.path();
+        state.fields = golden.filter;
+        state.strWhere = golden.filter.isComplete() ? golden.filter.strWhere() : QString();
+        state.clock = &clock;
+        EXPECT_EQ(errorOf(*report, state), expected.error);
+        EXPECT_THAT(linesOf(state.lstView), testing::ElementsAreArray(expected.lines));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(File, GoldenDiaryReports, testing::ValuesIn(goldenFiles()),
+                         [](const auto& file) { return file.param; });
+
+} // namespace
+} // namespace reports
