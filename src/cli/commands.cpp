@@ -5,7 +5,7 @@ namespace cli {
 const QList<Command>& allCommands()
 {
     static const QList<Command> commands = {createCommand(), checkCommand(), tablesCommand(), queriesCommand(),
-                                            dumpCommand(),   sqlCommand(),   reportCommand()};
+                                            dumpCommand(),   sqlCommand(),   reportCommand(), importCommand()};
     return commands;
 }
 
