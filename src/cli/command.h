@@ -40,9 +40,12 @@ struct Command {
     QList<QCommandLineOption> options;
     /// Writes its result to the call's output. Throws UsageError, runtime::RunTimeError, OutputError.
     ExitStatus (*run)(const Call& call);
+    bool paintsPages = false; ///< needs a QGuiApplication
 };
 
 /// In the order in which the help lists them.
 [[nodiscard]] const QList<Command>& allCommands();
+/// Null when there is none of that name.
+[[nodiscard]] const Command* findCommand(const QString& name);
 
 } // namespace cli

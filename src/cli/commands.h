@@ -12,6 +12,6 @@ namespace cli {
 [[nodiscard]] Command dumpCommand();
 [[nodiscard]] Command sqlCommand();
 [[nodiscard]] Command reportCommand();
-[[nodiscard]] Command importCommand();
+[[nodiscard]] Command printCommand();
 
 } // namespace cli

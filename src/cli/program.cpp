@@ -4,8 +4,6 @@
 #include "cli/run_time_error_text.h"
 #include "runtime/run_time_error.h"
 
-#include <algorithm>
-
 namespace cli {
 namespace {
 
@@ -95,10 +93,8 @@ ExitStatus dispatch(const QStringList& arguments, Output& output)
         output.writeLine(QStringLiteral("quillonctl " QUILLON_VERSION));
         return ExitStatus::Done;
     }
-    const QList<Command>& commands = allCommands();
-    const auto command =
-        std::find_if(commands.begin(), commands.end(), [&](const Command& each) { return each.name == name; });
-    if (command == commands.end()) {
+    const Command* command = findCommand(name);
+    if (command == nullptr) {
         throw UsageError(QStringLiteral("There is no command '%1'.").arg(name));
     }
     return call(*command, arguments.mid(1), output);

@@ -6,7 +6,7 @@ QString oneLineOf(const runtime::RunTimeError& error)
 {
     QString line = QStringLiteral("Run-time error '%1': ").arg(error.number()) + error.words();
     if (!error.hint().isEmpty()) {
-        line += u' ' + error.hint();
+        line += (line.endsWith(u'.') ? QStringLiteral(" ") : QStringLiteral(". ")) + error.hint();
     }
     return line;
 }

@@ -7,6 +7,21 @@
 #include <QStringList>
 
 namespace reports {
+namespace {
+
+QString hintOnColumns(qsizetype columns, qsizetype positions)
+{
+    if (positions == 0) {
+        return QStringLiteral("No report has set print positions yet; choose one that does, such as Basic Blood Sugar "
+                              "Data, before this one.");
+    }
+    return QStringLiteral("A line has %1 columns, and there are print positions for %2; perhaps a comment in it holds "
+                          "tab characters.")
+        .arg(columns)
+        .arg(positions);
+}
+
+} // namespace
 
 void SetListTabStops(ReportList& list, const QList<double>& dialogUnits)
 {
@@ -28,7 +43,8 @@ void PrintTabbedLine(Printer& printer, const QString& line, const QList<double>&
     const QStringList columns = line.split(u'\t');
     for (qsizetype column = 0; column < columns.size(); ++column) {
         if (column >= positions.size()) {
-            throw runtime::RunTimeError(runtime::ErrorNumber::SubscriptOutOfRange);
+            throw runtime::RunTimeError(runtime::ErrorNumber::SubscriptOutOfRange)
+                .withHint(hintOnColumns(columns.size(), positions.size()));
         }
         printer.setCurrentX(positions.at(column));
         printer.setCurrentY(y);

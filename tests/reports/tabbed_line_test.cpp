@@ -70,8 +70,21 @@ TEST_F(TabbedLine, MorePiecesThanPositionsIsOutOfRangeAfterThoseThatHaveOne)
         ADD_FAILURE() << "a fourth position is there";
     } catch (const runtime::RunTimeError& error) {
         EXPECT_EQ(error.number(), 9);
+        EXPECT_THAT(error.hint().toStdString(), testing::HasSubstr("4 columns, and there are print positions for 3"));
     }
     EXPECT_THAT(printout_.back().pages.back().words(), ElementsAre("a", "b", "c"));
+}
+
+TEST_F(TabbedLine, WithoutAnyPositionTheHintNamesAReportThatSetsThem)
+{
+    try {
+        PrintTabbedLine(printer_, QStringLiteral("a"), {});
+        ADD_FAILURE() << "a first position is there";
+    } catch (const runtime::RunTimeError& error) {
+        EXPECT_EQ(error.number(), 9);
+        EXPECT_THAT(error.hint().toStdString(), testing::HasSubstr("Basic Blood Sugar Data"));
+    }
+    EXPECT_TRUE(printout_.empty());
 }
 
 TEST_F(TabbedLine, ALineThatJustFitsStays)
