@@ -13,5 +13,6 @@ namespace cli {
 [[nodiscard]] Command sqlCommand();
 [[nodiscard]] Command reportCommand();
 [[nodiscard]] Command printCommand();
+[[nodiscard]] Command importCommand();
 
 } // namespace cli
