@@ -5,6 +5,9 @@
 
 #include <QStringList>
 
+#include <algorithm>
+#include <vector>
+
 namespace runtime {
 namespace {
 
@@ -13,6 +16,12 @@ constexpr int kFirstYearOfTheLastCentury = 30; ///< of those written with two di
 struct WrittenNumber {
     int value = 0;
     qsizetype digits = 0;
+};
+
+struct MonthName {
+    QString text;
+    int month = 0;
+    bool operator==(const MonthName&) const = default;
 };
 
 /// Short and full, as they stand beside a day and alone; a short name's dot may be left out.
@@ -26,6 +35,38 @@ QStringList namesOf(int month, const QLocale& locale)
         if (name.endsWith(u'.')) {
             names << name.chopped(1);
         }
+    }
+    return names;
+}
+
+/// The locale's names and the English ones, the longest first.
+std::vector<MonthName> allMonthNames(const QLocale& locale)
+{
+    std::vector<MonthName> names;
+    for (const QLocale& language : {locale, QLocale::c(), QLocale(QLocale::English, QLocale::UnitedKingdom)}) {
+        for (int month = 1; month <= 12; ++month) {
+            for (const QString& text : namesOf(month, language)) {
+                const MonthName name{text, month};
+                if (!text.isEmpty() && std::find(names.begin(), names.end(), name) == names.end()) {
+                    names.push_back(name);
+                }
+            }
+        }
+    }
+    std::stable_sort(names.begin(), names.end(), [](const MonthName& left, const MonthName& right) {
+        return left.text.size() > right.text.size();
+    });
+    return names;
+}
+
+/// Made once for the locale in force: making them takes far longer than reading a date.
+const std::vector<MonthName>& monthNames(const QLocale& locale)
+{
+    thread_local QLocale of = locale;
+    thread_local std::vector<MonthName> names = allMonthNames(locale);
+    if (of != locale) {
+        of = locale;
+        names = allMonthNames(locale);
     }
     return names;
 }
@@ -92,20 +133,14 @@ private:
     /// longest that fits is meant.
     bool readMonthName(DateParts& parts)
     {
-        qsizetype longest = 0;
-        for (const QLocale& locale : {locale_, QLocale::c(), QLocale(QLocale::English, QLocale::UnitedKingdom)}) {
-            for (int month = 1; month <= 12; ++month) {
-                for (const QString& name : namesOf(month, locale)) {
-                    const bool fits = rest_.startsWith(name, Qt::CaseInsensitive) && endsAtSeparator(name.size());
-                    if (fits && name.size() > longest) {
-                        longest = name.size();
-                        parts.month = month;
-                    }
-                }
+        for (const MonthName& name : monthNames(locale_)) {
+            if (rest_.startsWith(name.text, Qt::CaseInsensitive) && endsAtSeparator(name.text.size())) {
+                rest_ = rest_.mid(name.text.size());
+                parts.month = name.month;
+                return true;
             }
         }
-        rest_ = rest_.mid(longest);
-        return longest > 0;
+        return false;
     }
 
     [[nodiscard]] bool endsAtSeparator(qsizetype position) const
