@@ -2,44 +2,16 @@
 #include "printing/pdf_printer.h"
 #include "printing/pdf_reading.h"
 #include "runtime/run_time_error.h"
+#include "support/file_size_limit.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <gtest/gtest.h>
-
-#include <sys/resource.h>
-
-#include <csignal>
+#include <gmock/gmock.h>
 
 namespace printing {
 namespace {
-
-/// As on a full disk, no file of this process grows beyond a size.
-class FullDisk
-{
-public:
-    explicit FullDisk(qint64 bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{static_cast<rlim_t>(bytes), before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit before_{};
-    void (*handler_)(int);
-};
 
 class PdfFile : public testing::Test
 {
@@ -57,7 +29,7 @@ protected:
     }
 
     /// The hint of the error 482 that printing there ends with.
-    QString refusal(const QString& path)
+    std::string refusal(const QString& path)
     {
         const auto printer = printerTo(path);
         printer->print(QStringLiteral("lost"));
@@ -66,7 +38,7 @@ protected:
         } catch (const runtime::RunTimeError& error) {
             EXPECT_EQ(error.number(), 482);
             EXPECT_EQ(error.words(), QStringLiteral("Printer error"));
-            return error.hint();
+            return error.hint().toStdString();
         }
         ADD_FAILURE() << "the pages were printed";
         return {};
@@ -136,17 +108,16 @@ TEST_F(PdfFile, HoldsTheDocumentThatWasPrintedLast)
 TEST_F(PdfFile, InAFolderThatIsNotThereIsAPrinterError)
 {
     const QString path = folder_.filePath(QStringLiteral("missing/pages.pdf"));
-    EXPECT_EQ(refusal(path),
-              QStringLiteral("The file '%1' cannot be written (No such file or directory). Choose another "
-                             "folder or name, then print again.")
-                  .arg(path));
+    EXPECT_EQ(refusal(path), "The file '" + path.toStdString() +
+                                 "' cannot be written (No such file or directory). Choose another folder or name, then "
+                                 "print again.");
     EXPECT_EQ(files(), QStringList());
 }
 
 TEST_F(PdfFile, InPlaceOfAFolderIsAPrinterError)
 {
     ASSERT_TRUE(QDir(folder_.path()).mkdir(QStringLiteral("pages.pdf")));
-    EXPECT_TRUE(refusal(path_).startsWith(QStringLiteral("The file '%1' cannot be written (").arg(path_)));
+    EXPECT_THAT(refusal(path_), testing::StartsWith("The file '" + path_.toStdString() + "' cannot be written ("));
     EXPECT_EQ(files(), QStringList{QStringLiteral("pages.pdf")});
     EXPECT_TRUE(QFileInfo(path_).isDir());
 }
@@ -158,11 +129,9 @@ TEST_F(PdfFile, OnAFullDiskIsAPrinterErrorAndLeavesWhatWasThere)
     print(QStringLiteral("Old"));
     for (const qint64 room : {qint64(0), qint64(1), whole / 2, whole - 1}) {
         SCOPED_TRACE(room);
-        const FullDisk disk(room);
-        EXPECT_EQ(refusal(path_),
-                  QStringLiteral("The pages could not be written to '%1': the disk may be full. Free some "
-                                 "space, then print again.")
-                      .arg(path_));
+        const FileSizeLimit disk(room);
+        EXPECT_EQ(refusal(path_), "The pages could not be written to '" + path_.toStdString() +
+                                      "': the disk may be full. Free some space, then print again.");
         EXPECT_EQ(files(), QStringList{QStringLiteral("pages.pdf")});
     }
     EXPECT_EQ(pdf_reading::lines(path_), QList<QStringList>{{QStringLiteral("Old")}});
@@ -172,7 +141,7 @@ TEST_F(PdfFile, IsPrintedAgainAfterTheDiskHasRoomOnceMore)
 {
     const auto printer = printerTo(path_);
     {
-        const FullDisk disk(0);
+        const FileSizeLimit disk(0);
         printer->print(QStringLiteral("lost"));
         EXPECT_THROW(printer->endDocument(), runtime::RunTimeError);
     }
