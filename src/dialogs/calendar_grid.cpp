@@ -17,8 +17,8 @@ constexpr int kPadding = 6; ///< pixels left and right of a cell's text
 
 } // namespace
 
-CalendarGrid::CalendarGrid(const CalendarMonth& month)
-    : QTableWidget(1 + CalendarMonth::kWeeks, CalendarMonth::kDaysAWeek), month_(month)
+CalendarGrid::CalendarGrid(runtime::Date today)
+    : QTableWidget(1 + CalendarMonth::kWeeks, CalendarMonth::kDaysAWeek), month_(today)
 {
     setEditTriggers(NoEditTriggers);
     setSelectionMode(SingleSelection);
@@ -29,6 +29,7 @@ CalendarGrid::CalendarGrid(const CalendarMonth& month)
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     createCells();
     setCellSizes();
+    turnTo(month_, today);
 }
 
 void CalendarGrid::turnTo(const CalendarMonth& month, runtime::Date today)

@@ -14,7 +14,8 @@ class CalendarGrid : public QTableWidget
     Q_OBJECT
 
 public:
-    explicit CalendarGrid(const CalendarMonth& month);
+    /// Shows the present month.
+    explicit CalendarGrid(runtime::Date today);
 
     [[nodiscard]] const CalendarMonth& month() const { return month_; }
     /// Shows a month with its day current and today, where it is a day of that month, marked.

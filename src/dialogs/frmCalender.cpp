@@ -89,7 +89,7 @@ void frmCalender::createControls()
     DateCaption->setObjectName(QStringLiteral("DateCaption"));
     DateCaption->setAlignment(Qt::AlignCenter);
 
-    grdCalender = new CalendarGrid(CalendarMonth(clock_.now()));
+    grdCalender = new CalendarGrid(clock_.now());
     grdCalender->setObjectName(QStringLiteral("grdCalender"));
     grdCalender->setAccessibleName(QStringLiteral("Days of the month"));
 

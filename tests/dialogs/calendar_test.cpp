@@ -277,8 +277,9 @@ TEST_F(Calendar, ADoubleClickPicksFromTheMonthAndYearShown)
 
 TEST_F(Calendar, ADoubleClickOnABlankCellDoesNothing)
 {
-    doubleClick(1, 0); // before the first day
-    doubleClick(6, 6); // after the last
+    doubleClick(1, 0);                   // before the first day
+    doubleClick(6, 6);                   // after the last
+    emit grid().cellDoubleClicked(6, 6); // were the grid to tell of it
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(picked(), "");
     EXPECT_EQ(current(), "5");
@@ -331,8 +332,10 @@ TEST_F(Calendar, ArrowKeysStayInTheMonth)
 
 TEST_F(Calendar, TypingMovesToNoCell)
 {
-    QTest::keyClicks(&grid(), QStringLiteral("Sun12"));
-    EXPECT_EQ(current(), "5");
+    for (const char* text : {"1", "T"}) { // 12 and Tue stand in the current column
+        QTest::keyClicks(&grid(), QLatin1String(text));
+        EXPECT_EQ(current(), "5") << text;
+    }
 }
 
 TEST_F(Calendar, EnterPicksTheCurrentDay)
