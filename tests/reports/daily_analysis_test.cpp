@@ -73,6 +73,18 @@ TEST_F(DailyAnalysis, AMealPlusThreeDiscardsMealAndMealPlusTwoFoundSoFar)
     EXPECT_EQ(lines().at(6), "05 Mar 2002 12:00\t05.2\t08.2\t06.4\t3.0\t1.2");
 }
 
+TEST_F(DailyAnalysis, AMealPlusThreeDiscardsAMealPlusTwoThatHasNoMeal)
+{
+    add("04/03/2002 22:30", 7.5, PreBed);
+    add("05/03/2002 08:00", 7.1, MealPlus2);
+    add("05/03/2002 12:00", 5.2, Meal);
+    add("05/03/2002 15:00", 6.4, MealPlus3);
+    add("05/03/2002 20:00", 9.5, MealPlus2);
+    build();
+    EXPECT_EQ(lines().at(4), "This morning - 7.1   Last night - 7.5   Drop = 0.4");
+    EXPECT_EQ(lines().at(6), "05 Mar 2002 12:00\t05.2\t07.1\t06.4\t1.9\t1.2") << "not the 9.5 of 20:00";
+}
+
 TEST_F(DailyAnalysis, OfTwoMealPlusTwoTheEarlierOneWins)
 {
     addEveningAndMeal();
