@@ -31,7 +31,8 @@ protected:
                 command("dump", {QStringLiteral("Meals")}),
                 command("sql", {QStringLiteral("select * from Meals")}),
                 command("sql", {QStringLiteral("Delete * from Meals")}),
-                command("report", {QStringLiteral("basic")})};
+                command("report", {QStringLiteral("basic")}),
+                command("print", {QStringLiteral("basic"), QStringLiteral("--pdf"), path + QStringLiteral(".pdf")})};
     }
 
     static void expectEveryCommandFails(const QString& path, const char* error)

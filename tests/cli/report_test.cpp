@@ -74,6 +74,17 @@ TEST_F(ReportCommand, SeveralReportsRunInOneWindow)
     EXPECT_EQ(linesOf(report("basic,basic").out).size(), 5U) << "the basic report clears the list first";
 }
 
+TEST_F(ReportCommand, StatisticsStandBelowTheReportBeforeAndNameTheDates)
+{
+    diary_.addReading(QStringLiteral("05/03/2002 07:15"), 5, 1);
+    diary_.addReading(QStringLiteral("06/03/2002 07:15"), 7, 1);
+    const std::vector<std::string> lines = linesOf(report("basic,stats", "--from 05/03/2002 --to 07/03/2002").out);
+    ASSERT_EQ(lines.size(), 9U);
+    EXPECT_EQ(lines.at(4), "Statistics for 05/03/2002 to 07/03/2002");
+    EXPECT_EQ(lines.at(6), "Average Blood Sugar Level = 6.0 Mmol");
+    EXPECT_EQ(linesOf(report("stats").out).at(0), "Statistics for  to ") << "without a filter";
+}
+
 TEST_F(ReportCommand, AFailedReportEndsTheRunUnlessItKeepsGoing)
 {
     const auto errorsOf = [](const Outcome& outcome) { return linesOf(outcome.err).size(); };

@@ -17,7 +17,7 @@ TEST(Usage, HelpListsEveryCommand)
         EXPECT_EQ(outcome.status, 0);
         EXPECT_EQ(outcome.err, "");
         for (const char* command : {"create FILE", "check FILE", "tables FILE", "queries FILE", "dump FILE NAME",
-                                    "sql FILE TEXT", "report FILE NAME[,NAME...]"}) {
+                                    "sql FILE TEXT", "report FILE NAME[,NAME...]", "print FILE NAME[,NAME...]"}) {
             EXPECT_THAT(outcome.out, HasSubstr(command));
         }
     }
@@ -108,6 +108,11 @@ INSTANTIATE_TEST_SUITE_P(
                  "There is no report 'monthly'. The reports are: basic"},
         WrongUse{"OneUnknownReportOfTwo", words("report x.mdb basic,Basic"), "There is no report 'Basic'."},
         WrongUse{"EmptyReportName", words("report x.mdb basic,"), "There is no report ''."},
+        WrongUse{"PrintIntoNoFile", words("print x.mdb basic"), "--pdf takes the name of the file to write."},
+        WrongUse{"PrintIntoAFileWithoutName", words("print x.mdb basic --pdf="), "--pdf takes"},
+        WrongUse{"PrintOfAnUnknownReport", words("print x.mdb monthly --pdf x.pdf"), "There is no report 'monthly'."},
+        WrongUse{"PrintFromWithoutTo", words("print x.mdb basic --pdf x.pdf --from 01/03/2002"),
+                 "--from and --to go together."},
         WrongUse{"FromWithoutTo", words("report x.mdb basic --from 01/03/2002"), "--from and --to go together."},
         WrongUse{"ToWithoutFrom", words("report x.mdb basic --to 01/03/2002"), "--from and --to go together."},
         WrongUse{"FromThatIsNoDate", words("report x.mdb basic --from 31/02/2002 --to 01/03/2002"),
