@@ -13,6 +13,8 @@ namespace readings {
 
 namespace {
 
+constexpr int kGap = 16; ///< between the boxes and the list of types
+
 /// "1 - Getting Up" and so on, a line each.
 QString typeList(const QString& diaryPath)
 {
@@ -49,6 +51,8 @@ void frmEditBldSugar::Form_Load(controls::Dialogs& dialogs, const QString& diary
     Data1->bind(*txtTime, QStringLiteral("ReadingTime"));
     Data1->bind(*txtComments, QStringLiteral("Comment"));
     lblDesc->setText(typeList(diaryPath));
+    txtMmol->setFocus();
+    txtMmol->selectAll();
 }
 
 void frmEditBldSugar::createControls()
@@ -59,13 +63,16 @@ void frmEditBldSugar::createControls()
     txtMmol = addRow(*grid, "Label1", QStringLiteral("Mmol .................."), "txtMmol");
     txtType = addRow(*grid, "Label2", QStringLiteral("Type .................."), "txtType");
     txtTime = addRow(*grid, "Label3", QStringLiteral("Time .................."), "txtTime");
-    txtTime->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00 ")));
+    txtTime->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00") + QString(3, u'0')));
 
     lblDesc = new QLabel;
     lblDesc->setObjectName(QStringLiteral("lblDesc"));
     lblDesc->setTextFormat(Qt::PlainText);
     lblDesc->setAccessibleName(QStringLiteral("Types"));
-    grid->addWidget(lblDesc, 0, 2, grid->rowCount() + 1, 1);
+    lblDesc->setAlignment(Qt::AlignTop);
+    grid->setColumnMinimumWidth(2, kGap);
+    grid->addWidget(lblDesc, 0, 3, grid->rowCount() + 1, 1);
+    grid->setRowStretch(grid->rowCount() - 1, 1);
 
     txtComments = new QLineEdit;
     txtComments->setObjectName(QStringLiteral("txtComments"));
