@@ -419,13 +419,11 @@ TEST_F(PrintListTest, OtherBitsHaveNoEffect)
 TEST_F(PrintListTest, AfterALineThePrinterIsSetBack)
 {
     add("a", Bold | Underlined | Green);
-    add("b");
     print();
-    for (const std::size_t position : {1U, 2U}) { // the plain line and the footer
-        EXPECT_FALSE(textsOfPage(1).at(position).bold);
-        EXPECT_FALSE(textsOfPage(1).at(position).underlined);
-        EXPECT_EQ(textsOfPage(1).at(position).colour, Colour::Black);
-    }
+    const PrintedText& footer = textsOfPage(1).back();
+    EXPECT_FALSE(footer.bold);
+    EXPECT_FALSE(footer.underlined);
+    EXPECT_EQ(footer.colour, Colour::Black);
 }
 
 TEST_F(PrintListTest, FooterAndHeadingOfABreakHaveTheStyleOfTheLineThatMadeIt)
