@@ -3,6 +3,7 @@
 
 #include "app/frmMain.h"
 #include "controls/qt_dialogs.h"
+#include "controls/system_printers.h"
 #include "data/diary_location.h"
 
 #include <QApplication>
@@ -12,8 +13,10 @@ int main(int argc, char* argv[])
     const QApplication application(argc, argv);
     const runtime::SystemClock clock;
     controls::QtDialogs dialogs;
+    controls::SystemPrinters printers(dialogs);
     app::frmMain window({.clock = clock,
                          .dialogs = dialogs,
+                         .printers = printers,
                          .programFolder = QCoreApplication::applicationDirPath(),
                          .fixedDiaryPath = data::fixedDiaryPath()});
     bench::QuitAfterPaint quit;

@@ -4,20 +4,26 @@
 #include "controls/field_focus.h"
 #include "controls/hourglass_pointer.h"
 #include "controls/modApplication.h"
+#include "controls/printers.h"
 #include "controls/report_list_view.h"
 #include "data/diary_location.h"
+#include "dialogs/change_date.h"
 #include "main_menu.h"
+#include "print_window.h"
 #include "program_icon.h"
 #include "readings/frmAddBloodSugar.h"
+#include "readings/frmEditBldSugar.h"
+#include "readings/frmImportBldResults.h"
 #include "reports/basic_report.h"
+#include "reports/daily_analysis.h"
 #include "reports/date_filter.h"
+#include "reports/modDisp.h"
+#include "reports/statistics.h"
 #include "runtime/conversions.h"
 
 #include <QComboBox>
 #include <QEvent>
 #include <QFrame>
-#include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
@@ -28,8 +34,7 @@ namespace app {
 namespace {
 
 const QSize kInitialSize(900, 600);
-constexpr double kSmallFont = 0.9;  ///< of the usual size
-constexpr int kDateCharacters = 16; ///< room for dd/mm/yyyy hh:mm
+constexpr int kLinesAboveFound = 10;
 
 } // namespace
 
@@ -41,7 +46,9 @@ frmMain::frmMain(World world) : world_(std::move(world)), handlers_(*this, world
     setContextMenuPolicy(Qt::NoContextMenu);
     createMainMenu(*menuBar());
     setCentralWidget(new QWidget);
-    createFilterBar();
+    bar_ = createFilterBar(*centralWidget());
+    const int barHeight = bar_.fraToolBar->height();
+    centralWidget()->setMinimumSize(bar_.fraToolBar->minimumSizeHint() + QSize(0, 4 * barHeight));
     createReportList();
     statusBar(); // shows the tips of menu entries and buttons
     Form_Load();
@@ -54,33 +61,49 @@ void frmMain::Form_Load()
     state_.clock = &world_.clock;
     state_.strPath = data::diaryPath(world_.programFolder);
     const reports::DateFilter filter = reports::filterAtStart(world_.clock);
-    txtFrom->setText(filter.from);
-    txtTo->setText(filter.to);
-    cboType->setEnabled(false);
+    bar_.txtFrom->setText(filter.from);
+    bar_.txtTo->setText(filter.to);
+    bar_.cboType->setEnabled(false);
+    takeFilterFields();
     setFilterFromFields();
 }
 
 void frmMain::Form_Resize()
 {
     const QSize inner = centralWidget()->size();
-    fraToolBar->setGeometry(0, 0, inner.width(), fraToolBar->height());
+    bar_.fraToolBar->setGeometry(0, 0, inner.width(), bar_.fraToolBar->height());
     if (!isMinimized())
-        lstView->setGeometry(0, fraToolBar->height(), inner.width(), inner.height() - fraToolBar->height());
+        lstView->setGeometry(0, bar_.fraToolBar->height(), inner.width(), inner.height() - bar_.fraToolBar->height());
 }
 
 void frmMain::txtFrom_LostFocus()
 {
-    keepUntilDate(*txtFrom);
+    keepUntilDate(*bar_.txtFrom);
 }
 
 void frmMain::txtTo_LostFocus()
 {
-    keepUntilDate(*txtTo);
+    keepUntilDate(*bar_.txtTo);
+}
+
+void frmMain::cmdFrom_Click()
+{
+    ChangeDate(*bar_.txtFrom);
+}
+
+void frmMain::cmdTo_Click()
+{
+    ChangeDate(*bar_.txtTo);
+}
+
+void frmMain::ChangeDate(QLineEdit& field)
+{
+    dialogs::ChangeDate(field, *this, world_.clock, world_.dialogs);
 }
 
 void frmMain::cmdApply_Click()
 {
-    if (!focus_->moveTo(*cmdApply))
+    if (!focus_->moveTo(*bar_.cmdApply))
         return;
     setFilterFromFields();
     state_.lstView.clear();
@@ -88,11 +111,11 @@ void frmMain::cmdApply_Click()
 
 void frmMain::cmdClear_Click()
 {
-    if (!focus_->moveTo(*cmdClear))
+    if (!focus_->moveTo(*bar_.cmdClear))
         return;
     state_.strWhere.clear();
-    txtFrom->clear();
-    txtTo->clear();
+    bar_.txtFrom->clear();
+    bar_.txtTo->clear();
     state_.lstView.clear();
 }
 
@@ -107,18 +130,109 @@ void frmMain::mnuBloodSugar_Click()
     controls::ShowCentredModal(form, *this);
 }
 
+void frmMain::mnuImportBlood_Click()
+{
+    readings::frmImportBldResults form(this, world_.dialogs, state_.strPath);
+    controls::ShowCentredModal(form, *this);
+}
+
+void frmMain::mnuEditBloodSugar_Click()
+{
+    readings::frmEditBldSugar form(this, world_.dialogs, state_.strPath);
+    controls::ShowCentredModal(form, *this);
+}
+
+void frmMain::mnuFind_Click()
+{
+    const QString text = world_.dialogs.askText(this, QStringLiteral("Find what?"));
+    showFound(search_.find(state_.lstView, text));
+}
+
+void frmMain::mnuFindNext_Click()
+{
+    showFound(search_.findNext(state_.lstView));
+}
+
+void frmMain::showFound(std::optional<qsizetype> line)
+{
+    if (!line)
+        return;
+    const int found = static_cast<int>(*line);
+    lstView->addToSelection(found);
+    lstView->setTopIndex(found - kLinesAboveFound);
+}
+
 void frmMain::mnuBasicBloodSugar_Click()
 {
     const controls::HourglassPointer hourglass;
     reports::buildBasicReport(state_);
 }
 
+void frmMain::mnuDailyAnalysis_Click()
+{
+    const controls::HourglassPointer hourglass;
+    reports::buildDailyAnalysis(state_);
+}
+
+void frmMain::mnuStats_Click()
+{
+    reports::buildStatistics(state_);
+}
+
+void frmMain::mnuPrntBasicBloodSugar_Click()
+{
+    if (const auto printer = world_.printers.open(this, QStringLiteral("Basic Blood Sugar Data")))
+        reports::printBasicReport(*printer, state_);
+}
+
+void frmMain::mnuPrintDailyAnalysis_Click()
+{
+    const QString caption = QStringLiteral("Quillon - Daily Meal Blood Sugar Change");
+    if (const auto printer = world_.printers.open(this, caption))
+        printWindow(*this, caption,
+                    {QStringLiteral("mnuPrntReports"), QStringLiteral("mnuAdd"), QStringLiteral("mnuFile"),
+                     QStringLiteral("mnuReports")},
+                    *printer);
+}
+
+void frmMain::mnuPrintCurrent_Click()
+{
+    printReportList(false);
+}
+
+void frmMain::mnuSelCurr_Click()
+{
+    printReportList(true);
+}
+
+void frmMain::printReportList(bool selectedOnly)
+{
+    const reports::PrintJob job{.list = state_.lstView,
+                                .columns = state_.PrintTabs,
+                                .heading = state_.ReportTitle,
+                                .selectedLines = lstView->selectedLines(),
+                                .selectedOnly = selectedOnly,
+                                .useStyles = true};
+    if (job.isVoid())
+        return;
+    const QString firstLine = state_.ReportTitle.section(QStringLiteral("\r\n"), 0, 0);
+    const auto printer = world_.printers.open(this, firstLine.isEmpty() ? QStringLiteral("Report") : firstLine);
+    if (!printer)
+        return;
+    const controls::HourglassPointer hourglass;
+    reports::PrintList(*printer, job, state_.printedLines);
+}
+
+void frmMain::takeFilterFields()
+{
+    state_.fields = {bar_.txtFrom->text(), bar_.txtTo->text()};
+}
+
 /// An incomplete filter leaves the one in force.
 void frmMain::setFilterFromFields()
 {
-    const reports::DateFilter filter{txtFrom->text(), txtTo->text()};
-    if (filter.isComplete())
-        state_.strWhere = filter.strWhere();
+    if (state_.fields.isComplete())
+        state_.strWhere = state_.fields.strWhere();
 }
 
 void frmMain::keepUntilDate(QLineEdit& field)
@@ -152,69 +266,6 @@ void frmMain::changeEvent(QEvent* event)
         Form_Resize();
 }
 
-void frmMain::createFilterBar()
-{
-    fraToolBar = new QFrame(centralWidget());
-    fraToolBar->setObjectName(QStringLiteral("fraToolBar"));
-    fraToolBar->setToolTip(QStringLiteral("SQL Filter Bar - Allows data to be sorted using SQL like Query Language"));
-    fraToolBar->setFrameShape(QFrame::StyledPanel);
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * kSmallFont);
-    fraToolBar->setFont(small);
-
-    auto* row = new QHBoxLayout(fraToolBar);
-    row->setContentsMargins(6, 3, 6, 3);
-    const auto add = [row](auto* control, const char* name) {
-        control->setObjectName(QLatin1String(name));
-        row->addWidget(control);
-        return control;
-    };
-    const auto addLabel = [&](const char* name, const QString& caption) { return add(new QLabel(caption), name); };
-    const auto addField = [&](const char* name, const QString& meaning) {
-        auto* field = add(new QLineEdit, name);
-        field->setFixedWidth(field->fontMetrics().horizontalAdvance(QString(kDateCharacters, u'0')));
-        field->setAccessibleName(meaning);
-        field->setStatusTip(QStringLiteral("Day first: dd/mm/yyyy. Readings exactly at this moment are left out."));
-        return field;
-    };
-    const auto addButton = [&](const char* name, const QString& caption, const QString& tip) {
-        auto* button = add(new QPushButton(caption), name);
-        // A click asks the field that has the focus whether it lets the focus go (see FieldFocus::moveTo).
-        button->setFocusPolicy(Qt::TabFocus);
-        button->setStatusTip(tip);
-        return button;
-    };
-    const auto addPicker = [&](const char* name, const QString& meaning) {
-        auto* button = addButton(name, QStringLiteral("..."),
-                                 QStringLiteral("The calendar is not in this version of Quillon: type the date."));
-        button->setAccessibleName(meaning);
-        button->setToolTip(button->statusTip());
-        button->setFixedWidth(button->sizeHint().height());
-        button->setEnabled(false);
-        return button;
-    };
-
-    addLabel("lblFilter", QStringLiteral("Filter:"));
-    row->addSpacing(12);
-    QLabel* lblFrom = addLabel("lblFrom", QStringLiteral("From ."));
-    lblFrom->setBuddy(txtFrom = addField("txtFrom", QStringLiteral("From date")));
-    cmdFrom = addPicker("cmdFrom", QStringLiteral("Pick the From date"));
-    row->addSpacing(12);
-    QLabel* lblTo = addLabel("lblTo", QStringLiteral("To ..."));
-    lblTo->setBuddy(txtTo = addField("txtTo", QStringLiteral("To date")));
-    cmdTo = addPicker("cmdTo", QStringLiteral("Pick the To date"));
-    row->addSpacing(12);
-    cboType = add(new QComboBox, "cboType");
-    cboType->addItem(QStringLiteral("Type"));
-    row->addStretch();
-    cmdClear = addButton("cmdClear", QStringLiteral("Clear"),
-                         QStringLiteral("Removes the filter: reports then cover everything."));
-    cmdApply = addButton("cmdApply", QStringLiteral("Apply"),
-                         QStringLiteral("Puts the filter in force; then choose a report."));
-    fraToolBar->adjustSize();
-    centralWidget()->setMinimumSize(fraToolBar->minimumSizeHint() + QSize(0, 4 * fraToolBar->height()));
-}
-
 void frmMain::createReportList()
 {
     lstView = new controls::ReportListView(centralWidget());
@@ -227,25 +278,35 @@ void frmMain::connectHandlers()
 {
     centralWidget()->installEventFilter(this);
     focus_ = new controls::FieldFocus(*this);
-    focus_->watch(*txtFrom, handlers_.function(&frmMain::txtFrom_LostFocus));
-    focus_->watch(*txtTo, handlers_.function(&frmMain::txtTo_LostFocus));
-    handlers_.connect(cmdApply, &QPushButton::clicked, &frmMain::cmdApply_Click);
-    handlers_.connect(cmdClear, &QPushButton::clicked, &frmMain::cmdClear_Click);
-    connectEntry("mnuExit", QStringLiteral("Ends the program."), &frmMain::mnuExit_Click);
-    connectEntry("mnuBloodSugar", QStringLiteral("Adds a blood sugar reading to the diary."),
-                 &frmMain::mnuBloodSugar_Click);
-    connectEntry("mnuBasicBloodSugar", QStringLiteral("Lists the blood sugar readings inside the filter."),
-                 &frmMain::mnuBasicBloodSugar_Click);
+    focus_->watch(*bar_.txtFrom, handlers_.function(&frmMain::txtFrom_LostFocus));
+    focus_->watch(*bar_.txtTo, handlers_.function(&frmMain::txtTo_LostFocus));
+    for (const QLineEdit* field : {bar_.txtFrom, bar_.txtTo})
+        handlers_.connect(field, &QLineEdit::textChanged, &frmMain::takeFilterFields);
+    handlers_.connect(bar_.cmdFrom, &QPushButton::clicked, &frmMain::cmdFrom_Click);
+    handlers_.connect(bar_.cmdTo, &QPushButton::clicked, &frmMain::cmdTo_Click);
+    handlers_.connect(bar_.cmdApply, &QPushButton::clicked, &frmMain::cmdApply_Click);
+    handlers_.connect(bar_.cmdClear, &QPushButton::clicked, &frmMain::cmdClear_Click);
+    connectMenu();
 }
 
-void frmMain::connectEntry(const char* name, const QString& tip, void (frmMain::*handler)())
+void frmMain::connectMenu()
 {
-    auto* entry = menuBar()->findChild<QAction*>(QLatin1String(name));
-    Q_ASSERT(entry != nullptr);
-    entry->setEnabled(true);
-    entry->setStatusTip(tip);
-    entry->setToolTip({});
-    handlers_.connect(entry, &QAction::triggered, handler);
+    const auto connectEntry = [this](const char* name, void (frmMain::*handler)()) {
+        handlers_.connect(&menuEntry(*menuBar(), name), &QAction::triggered, handler);
+    };
+    connectEntry("mnuExit", &frmMain::mnuExit_Click);
+    connectEntry("mnuBloodSugar", &frmMain::mnuBloodSugar_Click);
+    connectEntry("mnuImportBlood", &frmMain::mnuImportBlood_Click);
+    connectEntry("mnuEditBloodSugar", &frmMain::mnuEditBloodSugar_Click);
+    connectEntry("mnuFind", &frmMain::mnuFind_Click);
+    connectEntry("mnuFindNext", &frmMain::mnuFindNext_Click);
+    connectEntry("mnuBasicBloodSugar", &frmMain::mnuBasicBloodSugar_Click);
+    connectEntry("mnuDailyAnalysis", &frmMain::mnuDailyAnalysis_Click);
+    connectEntry("mnuStats", &frmMain::mnuStats_Click);
+    connectEntry("mnuPrntBasicBloodSugar", &frmMain::mnuPrntBasicBloodSugar_Click);
+    connectEntry("mnuPrintDailyAnalysis", &frmMain::mnuPrintDailyAnalysis_Click);
+    connectEntry("mnuPrintCurrent", &frmMain::mnuPrintCurrent_Click);
+    connectEntry("mnuSelCurr", &frmMain::mnuSelCurr_Click);
 }
 
 } // namespace app

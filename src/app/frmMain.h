@@ -1,23 +1,26 @@
 // frmMain: the window that lives for the whole run, with the date filter, the report list and the menus.
 #pragma once
 
+#include "app/filter_bar.h"
 #include "controls/event_handlers.h"
 #include "controls/report_list_model.h"
+#include "reports/find_in_report.h"
 #include "reports/report_state.h"
 
 #include <QMainWindow>
 
-class QComboBox;
-class QFrame;
-class QLabel;
-class QLineEdit;
-class QPushButton;
+#include <optional>
 
 namespace controls {
 class Dialogs;
 class FieldFocus;
+class Printers;
 class ReportListView;
 } // namespace controls
+
+namespace reports {
+class Printer;
+}
 
 namespace app {
 
@@ -25,6 +28,7 @@ namespace app {
 struct World {
     const runtime::Clock& clock;
     controls::Dialogs& dialogs;
+    controls::Printers& printers;
     QString programFolder;  ///< where the program was started from, with the system's own separators
     QString fixedDiaryPath; ///< the diary that new readings always go to
 };
@@ -48,33 +52,42 @@ private:
     void Form_Resize();
     void txtFrom_LostFocus();
     void txtTo_LostFocus();
+    void cmdFrom_Click();
+    void cmdTo_Click();
     void cmdApply_Click();
     void cmdClear_Click();
     void mnuExit_Click();
     void mnuBloodSugar_Click();
+    void mnuImportBlood_Click();
+    void mnuEditBloodSugar_Click();
+    void mnuFind_Click();
+    void mnuFindNext_Click();
     void mnuBasicBloodSugar_Click();
+    void mnuDailyAnalysis_Click();
+    void mnuStats_Click();
+    void mnuPrntBasicBloodSugar_Click();
+    void mnuPrintDailyAnalysis_Click();
+    void mnuPrintCurrent_Click();
+    void mnuSelCurr_Click();
+    void ChangeDate(QLineEdit& field);
 
-    void createFilterBar();
     void createReportList();
     void connectHandlers();
-    void connectEntry(const char* name, const QString& tip, void (frmMain::*handler)());
+    void connectMenu();
+    void takeFilterFields();
     void setFilterFromFields();
     void keepUntilDate(QLineEdit& field);
     void askForDate();
+    void showFound(std::optional<qsizetype> line);
+    void printReportList(bool selectedOnly);
 
     World world_;
     reports::ReportState state_;
+    reports::FindInReport search_;
     controls::ReportListModel lines_{state_.lstView};
     controls::EventHandlers<frmMain> handlers_;
 
-    QFrame* fraToolBar = nullptr;
-    QLineEdit* txtFrom = nullptr;
-    QPushButton* cmdFrom = nullptr;
-    QLineEdit* txtTo = nullptr;
-    QPushButton* cmdTo = nullptr;
-    QComboBox* cboType = nullptr;
-    QPushButton* cmdClear = nullptr;
-    QPushButton* cmdApply = nullptr;
+    FilterBar bar_;
     controls::ReportListView* lstView = nullptr;
     controls::FieldFocus* focus_ = nullptr;
 };

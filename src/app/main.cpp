@@ -1,6 +1,7 @@
 // Quillon: a diary for people who treat diabetes with insulin.
 #include "app/frmMain.h"
 #include "controls/qt_dialogs.h"
+#include "controls/system_printers.h"
 #include "data/diary_location.h"
 
 #include <QApplication>
@@ -14,8 +15,10 @@ int main(int argc, char* argv[])
 
     const runtime::SystemClock clock;
     controls::QtDialogs dialogs;
+    controls::SystemPrinters printers(dialogs);
     app::frmMain window({.clock = clock,
                          .dialogs = dialogs,
+                         .printers = printers,
                          .programFolder = QDir::toNativeSeparators(QCoreApplication::applicationDirPath()),
                          .fixedDiaryPath = data::fixedDiaryPath()});
     window.show();

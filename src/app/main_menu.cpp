@@ -9,7 +9,8 @@ namespace {
 
 struct Entry {
     const char* name;
-    const char* caption; ///< "-" for a separator
+    const char* caption;  ///< "-" for a separator
+    const char* tip = ""; ///< what it does; empty where it is not in this version
     const char* shortcut = "";
 };
 
@@ -22,37 +23,39 @@ struct Menu {
 QList<Menu> mainMenu()
 {
     return {
-        {"mnuFile", "File", {{"mnuExport", "Export"}, {"mnuImport", "Import"}, {"mnuExit", "Exit"}}},
+        {"mnuFile",
+         "File",
+         {{"mnuExport", "Export"}, {"mnuImport", "Import"}, {"mnuExit", "Exit", "Ends the program."}}},
         {"mnuAdd",
          "Add",
-         {{"mnuBloodSugar", "Blood Sugar Reading"},
-          {"mnuImportBlood", "Import Blood Sugar Data"},
+         {{"mnuBloodSugar", "Blood Sugar Reading", "Adds a blood sugar reading to the diary."},
+          {"mnuImportBlood", "Import Blood Sugar Data", "Adds the readings of a meter's export to the diary."},
           {"mnuAddMeal", "Meal"},
           {"mnuAddIngredient", "Ingredient"}}},
         {"mnuEdit",
          "Edit",
-         {{"mnuEditBloodSugar", "Blood Sugar"},
+         {{"mnuEditBloodSugar", "Blood Sugar", "Shows the stored readings one by one, to correct them."},
           {"mnuEditMealTime", "Meal Time"},
           {"mnuSep4", "-"},
-          {"mnuFind", "Find", "Ctrl+F"},
-          {"mnuFindNext", "Find Next", "F3"}}},
+          {"mnuFind", "Find", "Finds a text in the report.", "Ctrl+F"},
+          {"mnuFindNext", "Find Next", "Finds the text further down in the report.", "F3"}}},
         {"mnuReports",
          "Reports",
-         {{"mnuBasicBloodSugar", "Basic Blood Sugar Data"},
-          {"mnuDailyAnalysis", "Daily Analysis"},
+         {{"mnuBasicBloodSugar", "Basic Blood Sugar Data", "Lists the blood sugar readings inside the filter."},
+          {"mnuDailyAnalysis", "Daily Analysis", "Shows how blood sugar moved after each meal and over each night."},
           {"mnuSep2", "-"},
           {"mnuDairy", "Overall Diary - Inc Meal"},
           {"mnuDairySummary", "Overall Diary - Summary"},
           {"mnuSep3", "-"},
           {"mnuInsulinDiary", "Insulin Diary"},
-          {"mnuStats", "Stats"}}},
+          {"mnuStats", "Stats", "Adds the averages of the readings inside the filter."}}},
         {"mnuPrntReports",
          "Print Reports",
-         {{"mnuPrntBasicBloodSugar", "Basic Blood Sugar Data"},
-          {"mnuPrintDailyAnalysis", "Daily Analysis"},
+         {{"mnuPrntBasicBloodSugar", "Basic Blood Sugar Data", "Prints all blood sugar readings of the diary."},
+          {"mnuPrintDailyAnalysis", "Daily Analysis", "Prints a picture of this window with what it shows."},
           {"mnuSep", "-"},
-          {"mnuPrintCurrent", "Currently Displayed Report"},
-          {"mnuSelCurr", "Selected Part of Current Report"}}},
+          {"mnuPrintCurrent", "Currently Displayed Report", "Prints the report."},
+          {"mnuSelCurr", "Selected Part of Current Report", "Prints the selected lines of the report."}}},
     };
 }
 
@@ -64,9 +67,11 @@ void addEntry(QMenu& menu, const Entry& entry)
     if (action->isSeparator())
         return;
     action->setShortcut(QKeySequence(QLatin1String(entry.shortcut)));
-    action->setEnabled(false);
-    action->setStatusTip(QStringLiteral("Not in this version of Quillon."));
-    action->setToolTip(action->statusTip());
+    action->setStatusTip(QLatin1String(entry.tip));
+    if (action->statusTip().isEmpty()) {
+        action->setEnabled(false);
+        action->setStatusTip(QStringLiteral("Not in this version of Quillon."));
+    }
 }
 
 } // namespace
@@ -76,10 +81,16 @@ void createMainMenu(QMenuBar& bar)
     for (const Menu& menu : mainMenu()) {
         QMenu* shown = bar.addMenu(QLatin1String(menu.caption));
         shown->setObjectName(QLatin1String(menu.name));
-        shown->setToolTipsVisible(true);
         for (const Entry& entry : menu.entries)
             addEntry(*shown, entry);
     }
+}
+
+QAction& menuEntry(const QMenuBar& bar, const char* name)
+{
+    auto* entry = bar.findChild<QAction*>(QLatin1String(name));
+    Q_ASSERT(entry != nullptr);
+    return *entry;
 }
 
 } // namespace app

@@ -2,6 +2,7 @@
 // display.
 #include "app/frmMain.h"
 #include "controls/dialogs.h"
+#include "controls/printers.h"
 #include "data/diary_location.h"
 
 #include <QAction>
@@ -32,6 +33,12 @@ private:
     }
 };
 
+class NoPrinters : public controls::Printers
+{
+public:
+    [[nodiscard]] std::unique_ptr<reports::Printer> open(QWidget*, const QString&) override { return nullptr; }
+};
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -48,7 +55,9 @@ int main(int argc, char* argv[])
     const QString diary = arguments.value(2, data::fixedDiaryPath());
     const runtime::SystemClock clock;
     PrintedDialogs dialogs;
-    app::frmMain window({.clock = clock, .dialogs = dialogs, .programFolder = {}, .fixedDiaryPath = diary});
+    NoPrinters printers;
+    app::frmMain window(
+        {.clock = clock, .dialogs = dialogs, .printers = printers, .programFolder = {}, .fixedDiaryPath = diary});
     window.state().strPath = diary;
     window.show();
     window.menuBar()->findChild<QAction*>(QStringLiteral("mnuBasicBloodSugar"))->trigger();

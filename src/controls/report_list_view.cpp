@@ -69,6 +69,15 @@ QList<int> ReportListView::selectedLines() const
     return result;
 }
 
+void ReportListView::addToSelection(int line)
+{
+    ReportListModel* model = lines();
+    if (model == nullptr)
+        return;
+    model->showAdded();
+    selectionModel()->setCurrentIndex(model->index(line), QItemSelectionModel::Select);
+}
+
 QString ReportListView::selectedText() const
 {
     QString text;

@@ -27,6 +27,8 @@ public:
 
     /// From top to bottom.
     [[nodiscard]] QList<int> selectedLines() const;
+    /// Makes a line the current one and selects it; what is selected already stays so.
+    void addToSelection(int line);
     /// The selected lines, each with a line break behind it.
     [[nodiscard]] QString selectedText() const;
     void copySelection() const;

@@ -34,8 +34,8 @@ public:
     virtual void makeRoomForLine() = 0;
     /// One line at the current position, tabs going to every eighth character; moves to the start of the next line.
     virtual void print(const QString& text) = 0;
-    /// A picture at the current position, 96 pixels to the inch; moves to the start of the line below it. It is made
-    /// smaller, in proportion, where the page has not enough room.
+    /// A picture at the current position, 96 pixels to the inch (more where its device pixel ratio is above 1); moves
+    /// to the start of the line below it. It is made smaller, in proportion, where the page has not enough room.
     virtual void printImage(const QImage& image) = 0;
 
     [[nodiscard]] virtual int page() const = 0; ///< the current page, from 1

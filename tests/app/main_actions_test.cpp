@@ -84,6 +84,48 @@ TEST_F(MainActions, AfterClearTheReportListsTheWholeHistory)
                                      "08.0\t28/02/2030 12:00:00\tMeal\t"));
 }
 
+TEST_F(MainActions, TheDailyAnalysisShowsAMealAndItsNight)
+{
+    diary.addReading("01/03/2002 22:30", 9.0, 5);
+    diary.addReading("02/03/2002 08:00", 5.0, 2);
+    diary.addReading("02/03/2002 10:00", 8.5, 3);
+    diary.addReading("02/03/2002 11:00", 7.0, 4);
+    choose("mnuReports", "mnuDailyAnalysis");
+    EXPECT_THAT(lines(), ElementsAre("Date / Time\tMeal\tMeal + 2\tMeal + 3\tDelta 2\tDelta 3", "",
+                                     "Saturday 02 Mar 2002", "", "This morning - 5.0   Last night - 9.0   Drop = 4.0",
+                                     "", "02 Mar 2002 08:00\t05.0\t08.5\t07.0\t3.5\t2.0",
+                                     "02 Mar 2002 08:00\t00.0\t00.0\t00.0\t0.0\t0.0"))
+        << "the reading of the night is a group of its own, without a time";
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(MainActions, AFailingAnalysisKeepsItsLinesAndGivesThePointerBack)
+{
+    diary.addReading("02/03/2002 08:00", 5.0, 2);
+    diary.addReading("02/03/2002 10:00", 8.5, 3);
+    diary.addReading("02/03/2002 11:00", 7.0, 4);
+    expectError("Run-time error '3021':\n\nNo current record.\n\n");
+    choose("mnuReports", "mnuDailyAnalysis");
+    EXPECT_THAT(lines(),
+                ElementsAre("Date / Time\tMeal\tMeal + 2\tMeal + 3\tDelta 2\tDelta 3", "", "Saturday 02 Mar 2002", ""));
+}
+
+TEST_F(MainActions, StatisticsStandBelowTheReportAndNameWhatTheFieldsHold)
+{
+    diary.addReading("02/03/2002 08:00", 5.0, 2);
+    diary.addReading("02/03/2002 10:00", 9.0, 3);
+    diary.addReading("02/03/2002 14:00", 6.0, 6);
+    report();
+    type("txtTo", "9/3/2002"); // not applied
+    choose("mnuReports", "mnuStats");
+    auto all = lines();
+    ASSERT_EQ(all.size(), 10U);
+    all.erase(all.begin(), all.begin() + 5);
+    EXPECT_THAT(all, ElementsAre("Statistics for 01/03/2002 to 9/3/2002", "", "Average Blood Sugar Level = 6.7 Mmol",
+                                 "", "Time Wt Average Blood Sugar Level = 5.9 Mmol"));
+    EXPECT_TRUE(state().ReportTitle.startsWith("All Blood Sugar Readings"));
+}
+
 TEST_F(MainActions, AReportWithoutReadingsEndsWithAnErrorBelowTheHeading)
 {
     expectError("Run-time error '3021':\n\nNo current record.");

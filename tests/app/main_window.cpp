@@ -15,7 +15,11 @@ MainWindow::MainWindow()
 void MainWindow::open(const char* now)
 {
     clock.set(runtime::toDate(QString::fromLatin1(now)));
-    window.emplace(World{.clock = clock, .dialogs = dialogs, .programFolder = {}, .fixedDiaryPath = fixedDiaryPath});
+    window.emplace(World{.clock = clock,
+                         .dialogs = dialogs,
+                         .printers = printers,
+                         .programFolder = {},
+                         .fixedDiaryPath = fixedDiaryPath});
     state().strPath = diary.path();
     testing_windows::showActive(*window);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/frmMain.h"
+#include "app/recording_printers.h"
 #include "controls/mock_dialogs.h"
 #include "controls/window_testing.h"
 #include "runtime/clock.h"
@@ -42,6 +43,7 @@ protected:
     TestDiary diary;
     runtime::FixedClock clock{{}};
     controls::StrictDialogs dialogs;
+    RecordingPrinters printers;
     QString fixedDiaryPath = diary.path();
     std::optional<frmMain> window;
 };
