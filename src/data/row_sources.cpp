@@ -59,10 +59,10 @@ class TableRowsSource final : public Recordset::Source
 {
 public:
     /// The rows at these addresses, or all rows of the table where none are given.
-    TableRowsSource(std::shared_ptr<Session> session, QString name, const std::vector<int>& columns,
+    TableRowsSource(std::shared_ptr<Session> session, const QString& name, const std::vector<int>& columns,
                     std::optional<std::vector<qint64>> addresses)
-        : session_(std::move(session)), table_(std::move(name)), isComplete_(addresses.has_value()),
-          addresses_(std::move(addresses).value_or(std::vector<qint64>()))
+        : session_(std::move(session)), table_(session_->database().table(name.toStdString())),
+          isComplete_(addresses.has_value()), addresses_(std::move(addresses).value_or(std::vector<qint64>()))
     {
         const std::vector<const jet::Column*> shown = table().definition().displayOrder();
         for (const int column : columns) {
@@ -148,7 +148,11 @@ public:
     }
 
 private:
-    [[nodiscard]] jet::Table& table() const { return session_->database().table(table_.toStdString()); }
+    [[nodiscard]] jet::Table& table() const
+    {
+        requireOpen();
+        return table_;
+    }
 
     std::vector<jet::ColumnValue> columnValues(const FieldValues& values) const
     {
@@ -209,7 +213,7 @@ private:
     }
 
     std::shared_ptr<Session> session_;
-    QString table_;
+    jet::Table& table_;                ///< found once: it lives as long as the file is open
     std::vector<jet::Column> columns_; ///< of the fields
     std::vector<Field> fields_;
     bool isComplete_; ///< addresses_ has all rows, not just the first
