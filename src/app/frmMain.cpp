@@ -181,8 +181,11 @@ void frmMain::mnuStats_Click()
 
 void frmMain::mnuPrntBasicBloodSugar_Click()
 {
-    if (const auto printer = world_.printers.open(this, QStringLiteral("Basic Blood Sugar Data")))
-        reports::printBasicReport(*printer, state_);
+    const auto printer = world_.printers.open(this, QStringLiteral("Basic Blood Sugar Data"));
+    if (!printer)
+        return;
+    const controls::HourglassPointer hourglass;
+    reports::printBasicReport(*printer, state_);
 }
 
 void frmMain::mnuPrintDailyAnalysis_Click()
