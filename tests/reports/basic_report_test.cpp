@@ -2,9 +2,9 @@
 
 #include "data/database.h"
 #include "reports/date_filter.h"
-#include "support/test_diary.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
+#include "support/test_diary.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "data/database.h"
 #include "reports/modDisp.h"
 #include "reports/modTabs.h"
-#include "support/test_diary.h"
 #include "runtime/run_time_error.h"
+#include "support/test_diary.h"
 
 #include <QLocale>
 
