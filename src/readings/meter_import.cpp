@@ -26,7 +26,7 @@ constexpr qint32 kUnclassified = 0;
 
 enum FieldPosition { DateField, TimeField, LevelField };
 
-/// A line's fields are worth what follows their first character. What a long line's end was cut off from is no field.
+/// The line's whole fields: the one in which a long line was cut off could end in a shorter number.
 QStringList fieldsOf(const TextLines& lines)
 {
     QStringList fields = lines.text().split(u',');
