@@ -2,6 +2,7 @@
 #pragma once
 
 #include "reports/date_filter.h"
+#include "reports/nutrient_totals.h"
 #include "reports/report_list.h"
 #include "runtime/clock.h"
 
@@ -18,6 +19,7 @@ struct ReportState {
     QList<double> PrintTabs;               ///< horizontal print positions in twips of the report now shown
     ReportList lstView;                    ///< the report list's content
     qint16 printedLines = 0;               ///< modDisp's line counter, which outlives a print job
+    NutrientTotals dayTotals;              ///< of meals whose day no diary has closed yet; outlives a report
     const runtime::Clock* clock = nullptr; ///< never null once the window is made
 };
 

@@ -1,0 +1,57 @@
+// The meal being composed: the lines of its list, and the nutrients behind them.
+#pragma once
+
+#include "meals/food.h"
+#include "reports/report_list.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace meals {
+
+/// The list always has a heading, an empty line, the foods in the order added, and closing lines: a single "Total" line
+/// before the first food, else an empty line, the totals in grams, and the totals in kCal with their shares. A food line
+/// begins with its grams ("#0.0"), by which it is told from the others; that text is what counts as its quantity.
+class MealSheet
+{
+public:
+    MealSheet();
+
+    [[nodiscard]] const reports::ReportList& lines() const { return lines_; }
+    [[nodiscard]] reports::ReportList& lines() { return lines_; } ///< for who shows them
+    /// As at the beginning.
+    void clear();
+
+    /// `factor` is grams / 100.
+    void add(const Food& food, double factor);
+    /// Rebuilds a food line with another quantity.
+    void change(int line, const Food& food, double factor);
+
+    [[nodiscard]] bool isFoodLine(int line) const;
+    /// Whether the first column of a line is a number; 9 for an empty line, which has no column.
+    [[nodiscard]] static bool beginsWithNumber(const QString& line);
+    [[nodiscard]] double gramsAt(int line) const;    ///< of a food line, as it shows
+    [[nodiscard]] qint32 foodNumberAt(int line) const; ///< 0 for other lines
+    /// Of all foods, in grams.
+    [[nodiscard]] double totalCarbohydrate() const;
+
+private:
+    struct Row {
+        qint32 foodNumber = 0;
+        Nutrients portion;
+    };
+
+    [[nodiscard]] Nutrients total() const;
+    void addClosingLines();
+
+    reports::ReportList lines_;
+    std::vector<Row> rows_; ///< one for each line of the list
+};
+
+/// Reads the food and adds so many grams of it (text as typed, 13 for no number) to the sheet.
+void AddIngredient(MealSheet& sheet, const QString& diaryPath, const QString& strQty, qint32 lngNDBNo);
+/// Gives the food line `intSel` another quantity (`dblFactor` is grams / 100).
+void UpdateMenuListQty(MealSheet& sheet, const QString& diaryPath, double dblFactor, int intSel);
+
+} // namespace meals

@@ -1,0 +1,60 @@
+// Meals in the diary: storing the one composed, and fetching old ones.
+#pragma once
+
+#include "runtime/value.h"
+
+#include <QList>
+#include <QString>
+
+#include <optional>
+
+namespace meals {
+
+class MealSheet;
+
+struct MealType {
+    int code = 0;
+    QString name;
+};
+
+/// Breakfast, Lunch, Dinner, Snack, with the codes that are stored.
+[[nodiscard]] const QList<MealType>& mealTypes();
+
+/// What the meal builder's controls hold beside the sheet; texts as typed.
+struct MealEntry {
+    QString date;
+    QString time;
+    std::optional<int> type; ///< code; none is chosen
+    QString insulinDose;
+    qint32 replaces = 0; ///< `MealNo` of the meal that this one takes the place of; 0: none
+};
+
+/// Why a meal cannot be saved.
+enum class Refusal { NoType, DoseNotANumber, ZeroDose, NoFood };
+[[nodiscard]] QString textOf(Refusal refusal);
+/// The first of them that holds; none: the meal may be saved.
+[[nodiscard]] std::optional<Refusal> refusalOf(const MealEntry& entry, const MealSheet& sheet);
+
+/// Deletes the meal that is replaced, then its foods, then adds the meal and a record for each food line that is not
+/// 0 g. Each delete and each record is durable and atomic by itself, in this order; an error keeps what was done
+/// before. Returns the new `MealNo`. 13 for texts that are no date or number.
+qint32 saveMeal(const QString& diaryPath, const MealEntry& entry, const MealSheet& sheet);
+
+struct StoredMeal {
+    qint32 number = 0;   ///< `MealNo`
+    runtime::Date time;
+    QString description; ///< its type's name
+    qint16 insulinDose = 0;
+
+    /// As the selection shows it: "Tuesday 05 March 2024", a tab, the description.
+    [[nodiscard]] QString line() const;
+};
+
+/// The newest first. 3021 when there is none.
+[[nodiscard]] QList<StoredMeal> storedMeals(const QString& diaryPath);
+
+/// Clears the sheet and fills it with the foods of a stored meal. 3021 for a meal without foods; the sheet is empty
+/// then.
+void fetchFoods(MealSheet& sheet, const QString& diaryPath, qint32 mealNumber);
+
+} // namespace meals
