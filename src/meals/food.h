@@ -18,12 +18,13 @@ struct Nutrients {
 };
 
 struct Food {
-    qint32 number = 0;   ///< `NDB_No`
-    QString description; ///< as shown
+    qint32 number = 0;    ///< `NDB_No`
+    QString description;  ///< as shown
     Nutrients in100Grams; ///< what the table leaves open counts as 0
 };
 
-/// A description as stored ("BUTTER,WITH SALT") as it is shown: its first character unchanged, the rest in small letters.
+/// A description as stored ("BUTTER,WITH SALT") as it is shown: its first character unchanged, the rest in small
+/// letters.
 [[nodiscard]] QString shownDescription(const QString& stored);
 
 /// 3021 when there is no food of that number.

@@ -11,8 +11,8 @@
 namespace meals {
 
 /// The list always has a heading, an empty line, the foods in the order added, and closing lines: a single "Total" line
-/// before the first food, else an empty line, the totals in grams, and the totals in kCal with their shares. A food line
-/// begins with its grams ("#0.0"), by which it is told from the others; that text is what counts as its quantity.
+/// before the first food, else an empty line, the totals in grams, and the totals in kCal with their shares. A food
+/// line begins with its grams ("#0.0"), by which it is told from the others; that text is what counts as its quantity.
 class MealSheet
 {
 public:
@@ -31,7 +31,7 @@ public:
     [[nodiscard]] bool isFoodLine(int line) const;
     /// Whether the first column of a line is a number; 9 for an empty line, which has no column.
     [[nodiscard]] static bool beginsWithNumber(const QString& line);
-    [[nodiscard]] double gramsAt(int line) const;    ///< of a food line, as it shows
+    [[nodiscard]] double gramsAt(int line) const;      ///< of a food line, as it shows
     [[nodiscard]] qint32 foodNumberAt(int line) const; ///< 0 for other lines
     /// Of all foods, in grams.
     [[nodiscard]] double totalCarbohydrate() const;

@@ -41,7 +41,7 @@ enum class Refusal { NoType, DoseNotANumber, ZeroDose, NoFood };
 qint32 saveMeal(const QString& diaryPath, const MealEntry& entry, const MealSheet& sheet);
 
 struct StoredMeal {
-    qint32 number = 0;   ///< `MealNo`
+    qint32 number = 0; ///< `MealNo`
     runtime::Date time;
     QString description; ///< its type's name
     qint16 insulinDose = 0;
