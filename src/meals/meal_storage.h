@@ -37,7 +37,8 @@ enum class Refusal { NoType, DoseNotANumber, ZeroDose, NoFood };
 
 /// Deletes the meal that is replaced, then its foods, then adds the meal and a record for each food line that is not
 /// 0 g. Each delete and each record is durable and atomic by itself, in this order; an error keeps what was done
-/// before. Returns the new `MealNo`. 13 for texts that are no date or number.
+/// before, and its hint says what that is. Returns the new `MealNo`. The texts come first: 13 where one is no date or
+/// number, 6 for a dose beyond 16 bits, and nothing is deleted then. A dose is rounded half to even.
 qint32 saveMeal(const QString& diaryPath, const MealEntry& entry, const MealSheet& sheet);
 
 struct StoredMeal {
@@ -52,6 +53,10 @@ struct StoredMeal {
 
 /// The newest first. 3021 when there is none.
 [[nodiscard]] QList<StoredMeal> storedMeals(const QString& diaryPath);
+
+/// What the builder's fields become with a stored meal, which the next saving replaces. A breakfast comes back without
+/// its type, and so does a meal of no known type.
+[[nodiscard]] MealEntry entryOf(const StoredMeal& meal);
 
 /// Clears the sheet and fills it with the foods of a stored meal. 3021 for a meal without foods; the sheet is empty
 /// then.
