@@ -6,11 +6,20 @@ namespace controls {
 
 using Change = reports::ReportList::Change;
 
+namespace {
+
+int rowsOf(const reports::ReportList& list)
+{
+    return static_cast<int>(qMin<qsizetype>(list.size(), std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
 ReportListModel::ReportListModel(reports::ReportList& list) : list_(list)
 {
     added_.setSingleShot(true);
     connect(&added_, &QTimer::timeout, this, &ReportListModel::showAdded);
-    list_.setListener([this](Change change) { follow(change); });
+    list_.setListener([this](Change change, qsizetype line) { follow(change, line); });
     showAdded();
 }
 
@@ -28,6 +37,8 @@ QVariant ReportListModel::data(const QModelIndex& index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
+    if (index.row() >= list_.size())
+        return {}; // views are being told that the line is gone
     const reports::ReportLine& line = list_.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
@@ -42,7 +53,7 @@ QVariant ReportListModel::data(const QModelIndex& index, int role) const
 void ReportListModel::showAdded()
 {
     added_.stop();
-    const auto size = static_cast<int>(qMin<qsizetype>(list_.size(), std::numeric_limits<int>::max()));
+    const int size = rowsOf(list_);
     if (size <= shown_)
         return;
     beginInsertRows({}, shown_, size - 1);
@@ -50,12 +61,29 @@ void ReportListModel::showAdded()
     endInsertRows();
 }
 
-void ReportListModel::follow(Change change)
+void ReportListModel::showRemoved()
+{
+    const int size = rowsOf(list_);
+    if (size >= shown_)
+        return;
+    beginRemoveRows({}, size, shown_ - 1);
+    shown_ = size;
+    endRemoveRows();
+}
+
+void ReportListModel::follow(Change change, qsizetype line)
 {
     switch (change) {
     case Change::Added:
         if (!added_.isActive())
             added_.start();
+        break;
+    case Change::Rewritten:
+        if (line < shown_)
+            emit dataChanged(index(static_cast<int>(line)), index(static_cast<int>(line)), {Qt::DisplayRole});
+        break;
+    case Change::Removed:
+        showRemoved();
         break;
     case Change::Cleared:
         beginResetModel();

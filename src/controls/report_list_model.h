@@ -33,7 +33,8 @@ signals:
     void tabStopsChanged();
 
 private:
-    void follow(reports::ReportList::Change change);
+    void follow(reports::ReportList::Change change, qsizetype line);
+    void showRemoved();
 
     reports::ReportList& list_;
     int shown_ = 0; ///< lines that views know of

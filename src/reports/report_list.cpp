@@ -17,14 +17,29 @@ void checkSubscript(qsizetype line, qsizetype count)
 void ReportList::addItem(const QString& text, int style)
 {
     lines_.append({text, style});
-    tell(Change::Added);
+    tell(Change::Added, lines_.size() - 1);
+}
+
+void ReportList::setText(qsizetype line, const QString& text)
+{
+    checkSubscript(line, lines_.size());
+    lines_[line].text = text;
+    tell(Change::Rewritten, line);
 }
 
 void ReportList::setStyle(qsizetype line, int style)
 {
     checkSubscript(line, lines_.size());
     lines_[line].style = style;
-    tell(Change::Restyled);
+    tell(Change::Restyled, line);
+}
+
+void ReportList::removeLast(qsizetype count)
+{
+    const qsizetype kept = lines_.size() - count;
+    checkSubscript(kept, lines_.size() + 1); // all may go, and none
+    lines_.resize(kept);
+    tell(Change::Removed, kept);
 }
 
 void ReportList::clear()
@@ -45,10 +60,10 @@ void ReportList::setTabStops(const QList<int>& dialogUnits)
     tell(Change::TabStops);
 }
 
-void ReportList::tell(Change change)
+void ReportList::tell(Change change, qsizetype line)
 {
     if (listener_) {
-        listener_(change);
+        listener_(change, line);
     }
 }
 

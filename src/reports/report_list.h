@@ -22,7 +22,9 @@ class ReportList
 {
 public:
     void addItem(const QString& text, int style = Plain);
-    void setStyle(qsizetype line, int style); ///< 9 subscript out of range
+    void setText(qsizetype line, const QString& text); ///< its style stays; 9 subscript out of range
+    void setStyle(qsizetype line, int style);          ///< 9 subscript out of range
+    void removeLast(qsizetype count = 1);              ///< 9 when there are fewer lines; all stay then
     void clear();
     [[nodiscard]] qsizetype size() const { return lines_.size(); }
     [[nodiscard]] bool isEmpty() const { return lines_.isEmpty(); }
@@ -32,16 +34,18 @@ public:
     void setTabStops(const QList<int>& dialogUnits);
     [[nodiscard]] const QList<int>& tabStops() const { return tabStops_; }
 
-    /// Called after each change; one listener at most.
-    enum class Change { Added, Cleared, Restyled, TabStops };
-    void setListener(std::function<void(Change)> listener) { listener_ = std::move(listener); }
+    /// Called after each change with the line that it is about: the first of those removed; -1 where all are meant. One
+    /// listener at most.
+    enum class Change { Added, Rewritten, Restyled, Removed, Cleared, TabStops };
+    using Listener = std::function<void(Change change, qsizetype line)>;
+    void setListener(Listener listener) { listener_ = std::move(listener); }
 
 private:
-    void tell(Change change);
+    void tell(Change change, qsizetype line = -1);
 
     QList<ReportLine> lines_;
     QList<int> tabStops_;
-    std::function<void(Change)> listener_;
+    Listener listener_;
 };
 
 } // namespace reports

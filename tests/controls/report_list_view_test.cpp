@@ -172,6 +172,30 @@ TEST_F(ReportListViewTest, LinesThatAreAddedLeaveTopLineAndSelection)
     EXPECT_THAT(view.selectedLines(), ElementsAre(3));
 }
 
+TEST_F(ReportListViewTest, ALineThatIsRemovedIsNoLongerSelected)
+{
+    addLines(10);
+    click(3);
+    click(9, Qt::ControlModifier);
+    list.removeLast();
+    EXPECT_THAT(view.selectedLines(), ElementsAre(3));
+    list.addItem(QStringLiteral("in its place"));
+    handlePostedEvents();
+    EXPECT_THAT(view.selectedLines(), ElementsAre(3));
+}
+
+TEST_F(ReportListViewTest, ARewrittenLineIsDrawnAnewAndStaysSelected)
+{
+    addLines(10);
+    click(3);
+    const auto picture = [&] { return view.viewport()->grab(view.visualRect(model.index(3))).toImage(); };
+    const QImage before = picture();
+    list.setText(3, QStringLiteral("other words"));
+    handlePostedEvents();
+    EXPECT_NE(picture(), before);
+    EXPECT_THAT(view.selectedLines(), ElementsAre(3));
+}
+
 TEST_F(ReportListViewTest, ShortLinesNeedNoHorizontalScrolling)
 {
     addLines(3);
