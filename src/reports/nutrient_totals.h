@@ -1,4 +1,4 @@
-// Sums over foods.
+// Sums over foods, and where their energy comes from.
 #pragma once
 
 namespace reports {
@@ -11,6 +11,18 @@ struct NutrientTotals {
     double energy = 0;
 
     NutrientTotals& operator+=(const NutrientTotals& other);
+};
+
+/// Energy in kCal computed from the grams: 4 to a gram of carbohydrate or protein, 9 to a gram of fat. The food table's
+/// own figure has no part in it.
+struct EnergySplit {
+    explicit EnergySplit(const NutrientTotals& totals);
+
+    [[nodiscard]] double total() const { return carbohydrate + fat + protein; }
+
+    double carbohydrate;
+    double fat;
+    double protein;
 };
 
 } // namespace reports

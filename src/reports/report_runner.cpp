@@ -2,6 +2,7 @@
 
 #include "reports/basic_report.h"
 #include "reports/daily_analysis.h"
+#include "reports/diary_report.h"
 #include "reports/statistics.h"
 
 #include <algorithm>
@@ -14,6 +15,11 @@ std::span<const Report> allReports()
     static const std::array reports = {
         Report{QStringLiteral("basic"), QStringLiteral("Basic Blood Sugar Data"), buildBasicReport},
         Report{QStringLiteral("daily"), QStringLiteral("Daily Analysis"), buildDailyAnalysis},
+        Report{QStringLiteral("diary"), QStringLiteral("Overall Diary - Inc Meal"),
+               [](ReportState& state) { DisplayDiary(state, true); }},
+        Report{QStringLiteral("diary-summary"), QStringLiteral("Overall Diary - Summary"),
+               [](ReportState& state) { DisplayDiary(state, false); }},
+        Report{QStringLiteral("insulin"), QStringLiteral("Insulin Diary"), DisplayInsulinDiary},
         Report{QStringLiteral("stats"), QStringLiteral("Stats"), buildStatistics},
     };
     return reports;

@@ -10,7 +10,7 @@
 namespace reports {
 
 struct Report {
-    QString name;  ///< "basic", "daily", "stats"
+    QString name;  ///< "basic", "daily", "diary", "diary-summary", "insulin", "stats"
     QString title; ///< as the menu calls it
     void (*build)(ReportState& state);
 };

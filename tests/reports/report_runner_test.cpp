@@ -25,7 +25,9 @@ TEST(ReportRunner, HasTheReportsInTheOrderOfTheMenu)
         reports.push_back((report.name + QStringLiteral(": ") + report.title).toStdString());
     }
     EXPECT_THAT(reports,
-                testing::ElementsAre("basic: Basic Blood Sugar Data", "daily: Daily Analysis", "stats: Stats"));
+                testing::ElementsAre("basic: Basic Blood Sugar Data", "daily: Daily Analysis",
+                                     "diary: Overall Diary - Inc Meal", "diary-summary: Overall Diary - Summary",
+                                     "insulin: Insulin Diary", "stats: Stats"));
 }
 
 TEST(ReportRunner, KnowsNoOtherName)

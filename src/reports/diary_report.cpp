@@ -1,0 +1,345 @@
+#include "reports/diary_report.h"
+
+#include "data/database.h"
+#include "reports/diary_hints.h"
+#include "reports/modDisp.h"
+#include "reports/modTabs.h"
+#include "runtime/conversions.h"
+#include "runtime/format.h"
+#include "runtime/run_time_error.h"
+
+#include <QStringList>
+
+#include <cmath>
+
+namespace reports {
+namespace {
+
+using data::Recordset;
+using runtime::Date;
+using runtime::ErrorNumber;
+using runtime::RunTimeError;
+using runtime::Value;
+
+/// What is shown of each meal beside its heading, its insulin and its readings.
+enum class Detail { FoodsAndTotals, Totals, None };
+
+Value fieldOf(const Recordset& records, const char* name)
+{
+    return records.value(QString::fromLatin1(name));
+}
+
+Date timeOf(const Recordset& records)
+{
+    return runtime::toDate(fieldOf(records, "When"));
+}
+
+Date mealTimeOf(const Recordset& meals)
+{
+    if (isNull(fieldOf(meals, "When"))) {
+        throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noMealTimeHint());
+    }
+    return timeOf(meals);
+}
+
+QString textOf(const Recordset& records, const char* name)
+{
+    return runtime::toText(fieldOf(records, name));
+}
+
+QString dayOf(Date time)
+{
+    return runtime::format(time, QStringLiteral("dd/mmm/yyyy"));
+}
+
+QString oneDecimal(const Value& value)
+{
+    return runtime::format(value, QStringLiteral("#0.0"));
+}
+
+/// Of one food as eaten, from its figure for 100 g; null where there is none.
+Value portionOf(const Value& in100Grams, const Value& grams)
+{
+    if (isNull(in100Grams) || isNull(grams)) {
+        return runtime::Null{};
+    }
+    return runtime::toDouble(in100Grams) * runtime::toDouble(grams) / 100;
+}
+
+/// Goes through meals and readings side by side, both in the order of time.
+class Diary
+{
+public:
+    Diary(ReportState& state, Recordset& meals, Recordset& history, Detail detail)
+        : state_(state), list_(state.lstView), meals_(meals), history_(history), detail_(detail)
+    {
+    }
+
+    void run()
+    {
+        PositionRSBeforeLastMeal(mealTimeOf(meals_));
+        while (!meals_.eof()) {
+            addMeal();
+        }
+    }
+
+private:
+    void addMeal()
+    {
+        const Date mealTime = mealTimeOf(meals_);
+        const qint16 intIDose = currentDose(mealTime);
+        const QString strThisMealDay = dayOf(mealTime);
+
+        AddMealHeaderToDisplay(mealTime);
+        const NutrientTotals meal = addFoods(mealTime);
+        if (detail_ != Detail::None) {
+            AddMealTotalToDisplay(meal, mealTime);
+        }
+        AddInsulinDetailsToDisplay(intIDose, meal.carbohydrate);
+        AddPostMealResultToDisplay(mealTime);
+        AddMealTotalToDay(meal);
+        if (detail_ != Detail::None) {
+            AddDayTotalToDisplay(strThisMealDay, mealTime);
+        }
+    }
+
+    /// Puts the history on the last reading at or before the meal. Its first reading counts as one, whenever it is.
+    void PositionRSBeforeLastMeal(Date mealTime)
+    {
+        const auto requireReading = [&] {
+            if (history_.eof()) {
+                throw RunTimeError(ErrorNumber::NoCurrentRecord)
+                    .withHint(noLaterReadingHint(mealTime, history_.recordCount(), state_.strWhere));
+            }
+        };
+        requireReading();
+        history_.moveFirst();
+        do {
+            history_.moveNext();
+            requireReading();
+        } while (timeOf(history_).days <= mealTime.days);
+        history_.movePrevious();
+    }
+
+    [[nodiscard]] qint16 currentDose(Date mealTime) const
+    {
+        const Value dose = fieldOf(meals_, "InsulinDosage");
+        if (isNull(dose)) {
+            throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noDoseHint(mealTime));
+        }
+        return runtime::toInteger(dose);
+    }
+
+    void AddMealHeaderToDisplay(Date mealTime)
+    {
+        list_.addItem(textOf(meals_, "MealType") + u'\t' +
+                          runtime::format(mealTime, QStringLiteral("dddd dd mmmm yyyy hh:mm")) +
+                          QStringLiteral("\tkCal\tCarb\tFat\tProt\tGrams"),
+                      Bold);
+        list_.addItem(QString());
+    }
+
+    /// Goes through the records of one meal, to the next meal or the end.
+    NutrientTotals addFoods(Date mealTime)
+    {
+        NutrientTotals meal;
+        do {
+            AddFoodToMealCalcs(meal, mealTime);
+            if (detail_ == Detail::FoodsAndTotals) {
+                AddFoodToDisplay();
+            }
+            meals_.moveNext();
+        } while (!meals_.eof() && mealTimeOf(meals_) == mealTime);
+        return meal;
+    }
+
+    void AddFoodToMealCalcs(NutrientTotals& meal, Date mealTime) const
+    {
+        const Value grams = fieldOf(meals_, "Quantity");
+        const auto add = [&](double& total, const char* nutrient) {
+            const Value in100Grams = fieldOf(meals_, nutrient);
+            if (isNull(in100Grams)) {
+                return;
+            }
+            if (isNull(grams)) {
+                throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noQuantityHint(mealTime));
+            }
+            total += runtime::toDouble(portionOf(in100Grams, grams));
+        };
+        add(meal.carbohydrate, "Carb");
+        add(meal.protein, "Prot");
+        add(meal.fat, "Fat");
+        add(meal.energy, "kCal");
+    }
+
+    void AddFoodToDisplay()
+    {
+        const QString description = textOf(meals_, "Desc");
+        const Value grams = fieldOf(meals_, "Quantity");
+        const auto portion = [&](const char* nutrient) {
+            return oneDecimal(portionOf(fieldOf(meals_, nutrient), grams));
+        };
+        addColumns({QString(), description.left(1) + description.mid(1).toLower(), portion("kCal"), portion("Carb"),
+                    portion("Fat"), portion("Prot"), oneDecimal(grams)});
+    }
+
+    void AddMealTotalToDisplay(const NutrientTotals& meal, Date mealTime)
+    {
+        if (detail_ == Detail::FoodsAndTotals) {
+            list_.addItem(QString());
+        }
+        const EnergySplit energy(meal);
+        addGrams(QStringLiteral("Total"), meal, Plain);
+        addEnergy(energy, Plain);
+        if (energy.total() == 0) {
+            throw RunTimeError(ErrorNumber::DivisionByZero).withHint(noEnergyHint(mealTime));
+        }
+        addShares(QStringLiteral("Total %"), energy);
+        list_.addItem(QString());
+    }
+
+    void AddInsulinDetailsToDisplay(qint16 intIDose, double dblCarb)
+    {
+        if (intIDose != 0) {
+            list_.addItem(QStringLiteral("***\tInsulin (I) = ") + QString::number(intIDose) +
+                          QStringLiteral(" units, Carbs (C) = ") + oneDecimal(dblCarb) + QStringLiteral(" g, C/I = ") +
+                          runtime::format(dblCarb / intIDose, QStringLiteral("#0.00")));
+        } else {
+            list_.addItem(QStringLiteral("\tNo bosal insulin with this snack, Carbs = ") + oneDecimal(dblCarb));
+        }
+        list_.addItem(QStringLiteral("\t\tTime\tMmol\tDrop\tReading Type"));
+    }
+
+    /// From the reading under the cursor, which the others are compared with, to the next meal or, after the last meal,
+    /// to the end of its day. The cursor stays on the last reading listed: the one before the next meal.
+    void AddPostMealResultToDisplay(Date mealTime)
+    {
+        const double reference = currentLevel();
+        double limit = 0;
+        do {
+            addReading(mealTime, reference);
+            history_.moveNext();
+            limit = meals_.eof() ? std::trunc(mealTime.days) + 1 : mealTimeOf(meals_).days;
+        } while (!history_.eof() && timeOf(history_).days < limit);
+        history_.movePrevious();
+        list_.addItem(QString());
+    }
+
+    void addReading(Date mealTime, double reference)
+    {
+        constexpr double largeChange = 3;
+        const Date time = timeOf(history_);
+        const Date difference{mealTime.days - time.days};
+        const double change = currentLevel() - reference;
+        const bool beforeMeal = difference.days >= 0;
+        addColumns({QString(),
+                    runtime::format(time, QStringLiteral("dd mmm hh:mm")) +
+                        (beforeMeal ? QStringLiteral(" pre meal by") : QString()),
+                    runtime::format(difference, QStringLiteral("h:mm")), oneDecimal(currentLevel()), oneDecimal(change),
+                    textOf(history_, "Type"), textOf(history_, "Comment")},
+                   beforeMeal                        ? Green
+                   : std::fabs(change) < largeChange ? Blue
+                                                     : Red);
+    }
+
+    [[nodiscard]] double currentLevel() const
+    {
+        const Value level = fieldOf(history_, "Mmol");
+        if (isNull(level)) {
+            throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noLevelHint(timeOf(history_)));
+        }
+        return runtime::toDouble(level);
+    }
+
+    void AddMealTotalToDay(const NutrientTotals& meal) { state_.dayTotals += meal; }
+
+    void AddDayTotalToDisplay(const QString& strThisMealDay, Date mealTime)
+    {
+        if (meals_.eof() || dayOf(mealTimeOf(meals_)) != strThisMealDay) {
+            DisplayTotals(mealTime);
+        }
+    }
+
+    void DisplayTotals(Date mealTime)
+    {
+        const EnergySplit energy(state_.dayTotals);
+        list_.addItem(QString());
+        addGrams(QStringLiteral("Day Total kCal/gms/gms/gms"), state_.dayTotals, Bold);
+        addEnergy(energy, Bold);
+        if (energy.total() == 0) {
+            throw RunTimeError(ErrorNumber::DivisionByZero).withHint(noEnergyOfDayHint(mealTime));
+        }
+        addShares(QStringLiteral("Day Total %"), energy);
+        list_.addItem(QString());
+        list_.addItem(kPageSeparator);
+        list_.addItem(QString());
+        state_.dayTotals = {};
+    }
+
+    void addGrams(const QString& name, const NutrientTotals& totals, Style style)
+    {
+        addColumns({QString(), name, oneDecimal(totals.energy), oneDecimal(totals.carbohydrate), oneDecimal(totals.fat),
+                    oneDecimal(totals.protein)},
+                   style);
+    }
+
+    void addEnergy(const EnergySplit& energy, Style style)
+    {
+        addColumns({QString(), QStringLiteral("Calc Total kCal/kCal/kCal/kCal"), oneDecimal(energy.total()),
+                    oneDecimal(energy.carbohydrate), oneDecimal(energy.fat), oneDecimal(energy.protein)},
+                   style);
+    }
+
+    /// There must be energy to share.
+    void addShares(const QString& name, const EnergySplit& energy)
+    {
+        const auto share = [&](double part) { return runtime::format(part / energy.total(), QStringLiteral("#0%")); };
+        addColumns({QString(), name, oneDecimal(energy.total()), share(energy.carbohydrate), share(energy.fat),
+                    share(energy.protein)},
+                   Bold);
+    }
+
+    void addColumns(const QStringList& columns, Style style = Plain) { list_.addItem(columns.join(u'\t'), style); }
+
+    ReportState& state_;
+    ReportList& list_;
+    Recordset& meals_;
+    Recordset& history_;
+    Detail detail_;
+};
+
+/// The readings from the day before the first meal on.
+QString historyFrom(Date firstMeal)
+{
+    return QStringLiteral("Select * from ExcelHistory where When > Cdate('") + dayOf(Date{firstMeal.days - 1}) +
+           QStringLiteral("')");
+}
+
+void build(ReportState& state, Detail detail)
+{
+    data::Database database(state.strPath);
+    SetListTabStops(state.lstView, {40, 210, 240, 270, 300, 330});
+    state.PrintTabs = {500, 2000, 6000, 7000, 8000, 9000, 10000};
+
+    Recordset meals = database.openRecordset(filteredSource(QStringLiteral("MealDetails"), state.strWhere));
+    if (meals.recordCount() == 0) {
+        return;
+    }
+    meals.moveFirst();
+    Recordset history = database.openRecordset(historyFrom(mealTimeOf(meals)));
+    Diary(state, meals, history, detail).run();
+}
+
+} // namespace
+
+void DisplayDiary(ReportState& state, bool booDetail)
+{
+    build(state, booDetail ? Detail::FoodsAndTotals : Detail::Totals);
+}
+
+void DisplayInsulinDiary(ReportState& state)
+{
+    build(state, Detail::None);
+}
+
+} // namespace reports
