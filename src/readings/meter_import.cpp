@@ -135,11 +135,13 @@ QString quoted(QString line)
 ImportStopped stoppedAt(const TextLines& lines, const RunTimeError& error, const Pass& pass)
 {
     const QString place = QStringLiteral("The import stopped at line %1, ").arg(lines.number()) + quoted(lines.text());
-    const QString outcome = pass.added() == 0 ? QStringLiteral("Nothing was added.")
-                                              : QStringLiteral("Readings added before it: %1. Importing again with the "
-                                                               "cut-off %2 goes on from there.")
-                                                    .arg(pass.added())
-                                                    .arg(pass.latestAdded());
+    const QString outcome =
+        pass.added() == 0
+            ? QStringLiteral("Nothing was added.")
+            : QStringLiteral("Readings added before it: %1. Importing again with the cut-off %2 goes on from there, if "
+                             "the oldest readings of the file come first.")
+                  .arg(pass.added())
+                  .arg(pass.latestAdded());
     return {error.withHint(place + QStringLiteral(". ") + error.hint() + u' ' + outcome), pass.latestAdded()};
 }
 

@@ -195,7 +195,7 @@ TEST_F(MeterImports, StopAtALineWithTooFewFieldsAndKeepWhatWasAdded)
             EXPECT_EQ(stopped.hint().toStdString(),
                       "The import stopped at line 2, \"" + std::string(line) +
                           "\". It has too few fields. Readings added before it: 1. Importing again with the cut-off "
-                          "05/03/2002 08:15:00 goes on from there.");
+                          "05/03/2002 08:15:00 goes on from there, if the oldest readings of the file come first.");
         }
         EXPECT_THAT(storedReadings(fresh.path()), ElementsAre("5.6 | 05/03/2002 08:15:00 | 0 | "));
     }
