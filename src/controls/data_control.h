@@ -40,6 +40,8 @@ public:
     /// The label shows that field.
     void bind(QLabel& label, const QString& field);
 
+    [[nodiscard]] bool isEmpty() const { return record_.isEmpty(); } ///< there is no record to show
+
 signals:
     /// The boxes show another record, or the same one with what is stored now.
     void recordShown();

@@ -1,0 +1,89 @@
+#include "meals/frmSelectMeal.h"
+
+#include "controls/event_handlers.h"
+#include "controls/report_list_model.h"
+#include "controls/report_list_view.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace meals {
+
+namespace {
+
+/// Wide enough for the longest date, "Wednesday 25 September 2024", and its like in other languages.
+constexpr int kDescriptionTabStop = 130;
+constexpr int kLinesInSight = 15;
+constexpr int kWidthInCharacters = 48;
+
+} // namespace
+
+frmSelectMeal::frmSelectMeal(QWidget* owner, controls::Dialogs& dialogs, const QString& diaryPath) : QDialog(owner)
+{
+    setObjectName(QStringLiteral("frmSelectMeal"));
+    setWindowTitle(QStringLiteral("Select Meal"));
+    createControls();
+    Form_Load(diaryPath);
+    connectHandlers(dialogs);
+}
+
+frmSelectMeal::~frmSelectMeal() = default;
+
+void frmSelectMeal::Form_Load(const QString& diaryPath)
+{
+    meals_ = storedMeals(diaryPath);
+    lines_.setTabStops({kDescriptionTabStop});
+    for (const StoredMeal& meal : meals_)
+        lines_.addItem(meal.line());
+    model_ = std::make_unique<controls::ReportListModel>(lines_);
+    lstMeals->show(*model_);
+}
+
+void frmSelectMeal::cmdOK_Click()
+{
+    if (const QList<int> selected = lstMeals->selectedLines(); !selected.isEmpty())
+        chosen_ = meals_.at(selected.first());
+    accept();
+}
+
+void frmSelectMeal::cmdCancel_Click()
+{
+    reject();
+}
+
+void frmSelectMeal::createControls()
+{
+    lstMeals = new controls::ReportListView;
+    lstMeals->setObjectName(QStringLiteral("lstMeals"));
+    lstMeals->setAccessibleName(QStringLiteral("Meals"));
+    lstMeals->setSelectionMode(QAbstractItemView::SingleSelection);
+    lstMeals->setMinimumSize(fontMetrics().averageCharWidth() * kWidthInCharacters,
+                             fontMetrics().lineSpacing() * kLinesInSight);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    const auto addButton = [&](const char* name, const QString& caption) {
+        auto* button = new QPushButton(caption);
+        button->setObjectName(QLatin1String(name));
+        buttons->addWidget(button);
+        return button;
+    };
+    cmdOK = addButton("cmdOK", QStringLiteral("OK"));
+    cmdCancel = addButton("cmdCancel", QStringLiteral("Cancel"));
+    cmdOK->setDefault(true);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(lstMeals);
+    layout->addLayout(buttons);
+}
+
+void frmSelectMeal::connectHandlers(controls::Dialogs& dialogs)
+{
+    const controls::EventHandlers handlers(*this, dialogs);
+    handlers.connect(lstMeals, &QListView::doubleClicked, &frmSelectMeal::cmdOK_Click);
+    handlers.connect(cmdOK, &QPushButton::clicked, &frmSelectMeal::cmdOK_Click);
+    handlers.connect(cmdCancel, &QPushButton::clicked, &frmSelectMeal::cmdCancel_Click);
+}
+
+} // namespace meals
