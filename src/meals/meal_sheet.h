@@ -23,15 +23,16 @@ public:
     /// As at the beginning.
     void clear();
 
-    /// `factor` is grams / 100.
+    // `factor` is grams / 100. 6 overflow for a quantity that is too large; nothing changes then.
     void add(const Food& food, double factor);
-    /// Rebuilds a food line with another quantity.
+    /// Rebuilds a food line with another quantity; 9 for other lines.
     void change(int line, const Food& food, double factor);
 
-    [[nodiscard]] bool isFoodLine(int line) const;
+    [[nodiscard]] bool hasFood() const { return !rows_.empty(); }
+    [[nodiscard]] bool isFoodLine(int line) const; ///< of any number: -1 is none
     /// Whether the first column of a line is a number; 9 for an empty line, which has no column.
     [[nodiscard]] static bool beginsWithNumber(const QString& line);
-    [[nodiscard]] double gramsAt(int line) const;      ///< of a food line, as it shows
+    [[nodiscard]] double gramsAt(int line) const;      ///< of a food line, as it shows; 9 for other lines
     [[nodiscard]] qint32 foodNumberAt(int line) const; ///< 0 for other lines
     /// Of all foods, in grams.
     [[nodiscard]] double totalCarbohydrate() const;
@@ -42,16 +43,21 @@ private:
         Nutrients portion;
     };
 
-    [[nodiscard]] Nutrients total() const;
-    void addClosingLines();
+    /// The place of a food line's row; 9 for other lines.
+    [[nodiscard]] std::size_t rowOf(int line) const;
+    [[nodiscard]] static Nutrients totalOf(const std::vector<Row>& rows);
 
     reports::ReportList lines_;
-    std::vector<Row> rows_; ///< one for each line of the list
+    std::vector<Row> rows_; ///< one for each food line
 };
 
-/// Reads the food and adds so many grams of it (text as typed, 13 for no number) to the sheet.
+// An error leaves the sheet as it was.
+
+/// Reads the food (3021 when there is none of that number) and adds so many grams of it to the sheet: text as typed, 13
+/// for no number.
 void AddIngredient(MealSheet& sheet, const QString& diaryPath, const QString& strQty, qint32 lngNDBNo);
-/// Gives the food line `intSel` another quantity (`dblFactor` is grams / 100).
+/// Gives the food line `intSel` another quantity (`dblFactor` is grams / 100) and what the food table now says of its
+/// food.
 void UpdateMenuListQty(MealSheet& sheet, const QString& diaryPath, double dblFactor, int intSel);
 
 } // namespace meals
