@@ -17,6 +17,7 @@
 #include "reports/basic_report.h"
 #include "reports/daily_analysis.h"
 #include "reports/date_filter.h"
+#include "reports/diary_report.h"
 #include "reports/modDisp.h"
 #include "reports/statistics.h"
 #include "runtime/conversions.h"
@@ -174,6 +175,24 @@ void frmMain::mnuDailyAnalysis_Click()
     reports::buildDailyAnalysis(state_);
 }
 
+void frmMain::mnuDairy_Click()
+{
+    reports::DisplayDiary(state_, true);
+}
+
+void frmMain::mnuDairySummary_Click()
+{
+    reports::DisplayDiary(state_, false);
+}
+
+/// A diary that ends with an error leaves the hourglass, until the next action takes it back.
+void frmMain::mnuInsulinDiary_Click()
+{
+    controls::showHourglass();
+    reports::DisplayInsulinDiary(state_);
+    controls::showDefaultPointer();
+}
+
 void frmMain::mnuStats_Click()
 {
     reports::buildStatistics(state_);
@@ -305,6 +324,9 @@ void frmMain::connectMenu()
     connectEntry("mnuFindNext", &frmMain::mnuFindNext_Click);
     connectEntry("mnuBasicBloodSugar", &frmMain::mnuBasicBloodSugar_Click);
     connectEntry("mnuDailyAnalysis", &frmMain::mnuDailyAnalysis_Click);
+    connectEntry("mnuDairy", &frmMain::mnuDairy_Click);
+    connectEntry("mnuDairySummary", &frmMain::mnuDairySummary_Click);
+    connectEntry("mnuInsulinDiary", &frmMain::mnuInsulinDiary_Click);
     connectEntry("mnuStats", &frmMain::mnuStats_Click);
     connectEntry("mnuPrntBasicBloodSugar", &frmMain::mnuPrntBasicBloodSugar_Click);
     connectEntry("mnuPrintDailyAnalysis", &frmMain::mnuPrintDailyAnalysis_Click);

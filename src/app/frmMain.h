@@ -64,6 +64,9 @@ private:
     void mnuFindNext_Click();
     void mnuBasicBloodSugar_Click();
     void mnuDailyAnalysis_Click();
+    void mnuDairy_Click();
+    void mnuDairySummary_Click();
+    void mnuInsulinDiary_Click();
     void mnuStats_Click();
     void mnuPrntBasicBloodSugar_Click();
     void mnuPrintDailyAnalysis_Click();
