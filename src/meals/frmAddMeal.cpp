@@ -1,0 +1,398 @@
+#include "meals/frmAddMeal.h"
+
+#include "controls/dialogs.h"
+#include "controls/field_focus.h"
+#include "controls/hourglass_pointer.h"
+#include "controls/modApplication.h"
+#include "controls/printers.h"
+#include "controls/report_list_view.h"
+#include "dialogs/change_date.h"
+#include "meals/carb_goal.h"
+#include "meals/food.h"
+#include "meals/frmSelectMeal.h"
+#include "meals/insulin_caption.h"
+#include "reports/modDisp.h"
+#include "reports/modTabs.h"
+#include "reports/report_state.h"
+#include "runtime/clock.h"
+#include "runtime/conversions.h"
+#include "runtime/format.h"
+#include "runtime/run_time_error.h"
+
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+
+namespace meals {
+
+namespace {
+
+const QSize kInitialSize(880, 540);
+constexpr int kShortestSearch = 2;
+constexpr double kUsualRatio = 11.55; ///< grams of carbohydrate to a unit of insulin
+
+const QList<double>& tabStops()
+{
+    static const QList<double> stops{30, 200, 230, 260};
+    return stops;
+}
+
+const QList<double>& printPositions()
+{
+    static const QList<double> twips{1000, 2000, 4000, 5500, 6500, 7500};
+    return twips;
+}
+
+void moveFocusAndSelectAll(QLineEdit& field)
+{
+    field.setFocus();
+    field.selectAll();
+}
+
+} // namespace
+
+frmAddMeal::frmAddMeal(QWidget* owner, MealSurroundings world)
+    : QDialog(owner), world_(world), handlers_(*this, world.dialogs), ui_(createMealControls(*this))
+{
+    setObjectName(QStringLiteral("frmAddMeal"));
+    setWindowTitle(QStringLiteral("Add Meal"));
+    ui_.lstMeal->show(lines_);
+    Form_Load();
+    connectHandlers();
+    resize(kInitialSize.boundedTo(screen()->availableSize()));
+}
+
+void frmAddMeal::Form_Load()
+{
+    reports::SetListTabStops(sheet_.lines(), tabStops());
+    const runtime::Date now = world_.clock.now();
+    ui_.txtDate->setText(runtime::format(now, QStringLiteral("dd/mm/yyyy")));
+    ui_.txtTime->setText(runtime::format(now, QStringLiteral("hh:mm")));
+    ui_.txtQuantity->setText(QStringLiteral("0"));
+}
+
+void frmAddMeal::txtSearch_Change()
+{
+    ui_.cmdSearch->setEnabled(ui_.txtSearch->text().size() >= kShortestSearch);
+}
+
+void frmAddMeal::txtSearch_KeyPress()
+{
+    cmdSearch_Click();
+}
+
+void frmAddMeal::cmdSearch_Click()
+{
+    const QString text = ui_.txtSearch->text();
+    const QList<FoundFood> foods = searchFoods(world_.state.strPath, text);
+    ui_.lstSearch->clear();
+    for (const FoundFood& food : foods) {
+        auto* item = new QListWidgetItem(food.description, ui_.lstSearch);
+        item->setData(Qt::UserRole, food.number);
+    }
+    if (foods.isEmpty())
+        ui_.lstSearch->addItem(QStringLiteral("No Results for - ") + text);
+}
+
+void frmAddMeal::lstSearch_Click()
+{
+    ui_.lstSearch->setCurrentRow(ui_.lstSearch->currentRow()); // chosen by Enter, it may not be selected yet
+    moveFocusAndSelectAll(*ui_.txtQuantity);
+}
+
+void frmAddMeal::txtQuantity_Change()
+{
+    const QString text = ui_.txtQuantity->text();
+    if (!runtime::isNumeric(text)) {
+        ui_.txtQuantity->setText(QStringLiteral("0"));
+        ui_.txtQuantity->selectAll(); // so that what is typed next takes its place
+        return;
+    }
+    const std::optional<int> line = selectedLine();
+    if (line && MealSheet::beginsWithNumber(sheet_.lines().at(*line).text))
+        UpdateMenuListQty(runtime::toDouble(text) / 100, *line);
+}
+
+void frmAddMeal::txtQuantity_KeyPress()
+{
+    cmdAdd_Click();
+    moveFocusAndSelectAll(*ui_.txtSearch);
+}
+
+void frmAddMeal::txtQuantity_LostFocus()
+{
+    // Where the user clicked into the list, it must not move below the pointer.
+    ui_.lstMeal->setAutoScroll(!ui_.lstMeal->hasFocus());
+    selectLine(static_cast<int>(sheet_.lines().size()) - 1);
+    ui_.lstMeal->setAutoScroll(true);
+}
+
+void frmAddMeal::cmdAdd_Click()
+{
+    AddIngredient(ui_.txtQuantity->text(), chosenFood());
+}
+
+void frmAddMeal::lstMeal_DblClick()
+{
+    if (const std::optional<int> line = selectedFoodLine())
+        ui_.txtQuantity->setText(sheet_.lines().at(*line).text.section(u'\t', 0, 0));
+}
+
+void frmAddMeal::lstMeal_MouseDown(QPoint place)
+{
+    if (selectedFoodLine())
+        ui_.mnuPopUp->popup(ui_.lstMeal->viewport()->mapToGlobal(place));
+}
+
+void frmAddMeal::showMenuAtSelectedLine()
+{
+    if (const std::optional<int> line = selectedLine())
+        lstMeal_MouseDown(ui_.lstMeal->visualRect(lines_.index(*line)).center());
+}
+
+void frmAddMeal::mnuCarbGoalSeek_Click()
+{
+    const std::optional<int> line = selectedFoodLine();
+    if (!line)
+        return;
+    const QString answer =
+        world_.dialogs.askText(this, QStringLiteral("Please enter target ratio to adjust this quantity for?"),
+                               runtime::format(kUsualRatio, QStringLiteral("0.00")));
+    if (!runtime::isNumeric(answer)) {
+        world_.dialogs.showError(this, QStringLiteral("Ratio must be numeric"));
+        return;
+    }
+    const double ratio = runtime::toDouble(answer);
+    const double dose = runtime::toDouble(ui_.txtInsulinDosage->text());
+    const Food food = foodNumbered(world_.state.strPath, sheet_.foodNumberAt(*line));
+    if (const std::optional<double> factor = factorForRatio(sheet_, *line, food, dose, ratio))
+        UpdateMenuListQty(*factor, *line);
+    else
+        world_.dialogs.showMessage(this, QStringLiteral("Ingredients with no carbohydrate can not be used"),
+                                   QStringLiteral("Quillon - Carb/Insulin Optimise"));
+}
+
+void frmAddMeal::cmdOptimise_Click()
+{
+    mnuCarbGoalSeek_Click();
+}
+
+void frmAddMeal::cmdPrintMeal_Click()
+{
+    const auto printer = world_.printers.open(this, QStringLiteral("Meal"));
+    if (!printer)
+        return;
+    const controls::HourglassPointer hourglass;
+    const QString heading = QStringLiteral("Meal Compiled - ") +
+                            runtime::format(world_.clock.now(), QStringLiteral("dddd dd mmmm yyyy hh:mm"));
+    const reports::PrintJob job{.list = sheet_.lines(),
+                                .columns = printPositions(),
+                                .heading = heading,
+                                .selectedLines = {},
+                                .selectedOnly = false,
+                                .useStyles = false};
+    reports::PrintList(*printer, job, world_.state.printedLines);
+}
+
+void frmAddMeal::cmdDate_Click()
+{
+    dialogs::ChangeDate(*ui_.txtDate, *this, world_.clock, world_.dialogs);
+}
+
+void frmAddMeal::txtInsulinDosage_Change()
+{
+    QLabel& label = *ui_.lblInsulinDosage;
+    const auto width = [metrics = QFontMetricsF(label.font())](const QString& text) {
+        return metrics.horizontalAdvance(text);
+    };
+    if (const auto caption = insulinCaption(label.text(), ui_.txtInsulinDosage->text(), mealType(), sheet_, width))
+        label.setText(*caption);
+}
+
+void frmAddMeal::cmdGetOldMeal_Click()
+{
+    const std::optional<StoredMeal> meal = chooseOldMeal();
+    lngOldMealToDelete = 0;
+    if (meal)
+        fetchMeal(*meal);
+}
+
+void frmAddMeal::cmdModifyOldMeal_Click()
+{
+    const std::optional<StoredMeal> meal = chooseOldMeal();
+    for (QWidget* control : std::initializer_list<QWidget*>{ui_.lblDate, ui_.txtDate, ui_.lblTime, ui_.txtTime})
+        control->setEnabled(false);
+    if (meal) {
+        fetchMeal(*meal);
+        lngOldMealToDelete = meal->number;
+    }
+}
+
+void frmAddMeal::cmdOK_Click()
+{
+    if (!isMealValid())
+        return;
+    saveMeal();
+    ui_.cmdOK->setEnabled(false); // a second click of a double click stores nothing
+    accept();
+}
+
+void frmAddMeal::cmdCancel_Click()
+{
+    reject();
+}
+
+void frmAddMeal::cmdSave_Click()
+{
+    if (!isMealValid())
+        return;
+    saveMeal();
+    world_.dialogs.showMessage(this, QStringLiteral("Meal Saved"));
+}
+
+std::optional<StoredMeal> frmAddMeal::chooseOldMeal()
+{
+    frmSelectMeal form(this, world_.dialogs, world_.state.strPath);
+    controls::ShowCentredModal(form, *this);
+    return form.chosen();
+}
+
+void frmAddMeal::fetchMeal(const StoredMeal& meal)
+{
+    fetchFoods(sheet_, world_.state.strPath, meal.number);
+    const MealEntry fetched = entryOf(meal);
+    ui_.cboMealType->setCurrentIndex(fetched.type ? ui_.cboMealType->findData(*fetched.type) : -1);
+    ui_.txtInsulinDosage->setText(fetched.insulinDose);
+    ui_.txtDate->setText(fetched.date);
+    ui_.txtTime->setText(fetched.time);
+}
+
+/// Adds so many grams of the food to the meal.
+void frmAddMeal::AddIngredient(const QString& strQty, qint32 lngNDBNo)
+{
+    const bool onFood = selectedFoodLine().has_value();
+    meals::AddIngredient(sheet_, world_.state.strPath, strQty, lngNDBNo);
+    // In place of a closing line, which this rewrites, the view selects the food above it: the next quantity typed
+    // would be that food's.
+    if (!onFood)
+        ui_.lstMeal->clearSelection();
+}
+
+/// Gives a food line another quantity and selects it.
+void frmAddMeal::UpdateMenuListQty(double dblFactor, int intSel)
+{
+    meals::UpdateMenuListQty(sheet_, world_.state.strPath, dblFactor, intSel);
+    selectLine(intSel);
+}
+
+/// Says why the meal may not be saved, and gives the focus to the control to blame.
+bool frmAddMeal::isMealValid()
+{
+    const std::optional<Refusal> refusal = refusalOf(entry(), sheet_);
+    if (!refusal)
+        return true;
+    world_.dialogs.showMessage(this, textOf(*refusal), QStringLiteral("Validation Error"));
+    if (refusal == Refusal::NoType)
+        ui_.cboMealType->setFocus();
+    else if (refusal == Refusal::DoseNotANumber)
+        ui_.txtInsulinDosage->setFocus();
+    return false;
+}
+
+void frmAddMeal::saveMeal()
+{
+    meals::saveMeal(world_.state.strPath, entry(), sheet_);
+}
+
+MealEntry frmAddMeal::entry() const
+{
+    return {.date = ui_.txtDate->text(),
+            .time = ui_.txtTime->text(),
+            .type = mealType(),
+            .insulinDose = ui_.txtInsulinDosage->text(),
+            .replaces = lngOldMealToDelete};
+}
+
+std::optional<int> frmAddMeal::mealType() const
+{
+    if (ui_.cboMealType->currentIndex() < 0)
+        return std::nullopt;
+    return ui_.cboMealType->currentData().toInt();
+}
+
+qint32 frmAddMeal::chosenFood() const
+{
+    const QList<QListWidgetItem*> chosen = ui_.lstSearch->selectedItems();
+    if (chosen.isEmpty())
+        throw runtime::RunTimeError(runtime::ErrorNumber::SubscriptOutOfRange)
+            .withHint(
+                QStringLiteral("No food is chosen: search for one and choose it in the list. Nothing was added."));
+    return chosen.first()->data(Qt::UserRole).toInt(); // 0 for the line that tells of no results
+}
+
+std::optional<int> frmAddMeal::selectedLine() const
+{
+    const QList<int> lines = ui_.lstMeal->selectedLines();
+    return lines.isEmpty() ? std::nullopt : std::optional(lines.first());
+}
+
+std::optional<int> frmAddMeal::selectedFoodLine() const
+{
+    const std::optional<int> line = selectedLine();
+    return line && sheet_.isFoodLine(*line) ? line : std::nullopt;
+}
+
+void frmAddMeal::selectLine(int line)
+{
+    lines_.showAdded();
+    ui_.lstMeal->setCurrentIndex(lines_.index(line));
+}
+
+void frmAddMeal::connectHandlers()
+{
+    handlers_.connect(ui_.txtSearch, &QLineEdit::textChanged, &frmAddMeal::txtSearch_Change);
+    handlers_.connect(ui_.txtSearch, &QLineEdit::returnPressed, &frmAddMeal::txtSearch_KeyPress);
+    handlers_.connect(ui_.cmdSearch, &QPushButton::clicked, &frmAddMeal::cmdSearch_Click);
+    handlers_.connect(ui_.lstSearch, &QListWidget::clicked, &frmAddMeal::lstSearch_Click);
+    handlers_.connect(ui_.lstSearch, &QListWidget::activated, &frmAddMeal::lstSearch_Click);
+    handlers_.connect(ui_.txtQuantity, &QLineEdit::textChanged, &frmAddMeal::txtQuantity_Change);
+    handlers_.connect(ui_.txtQuantity, &QLineEdit::returnPressed, &frmAddMeal::txtQuantity_KeyPress);
+    focus_ = new controls::FieldFocus(*this);
+    focus_->watch(*ui_.txtQuantity, handlers_.function(&frmAddMeal::txtQuantity_LostFocus));
+    handlers_.connect(ui_.cmdAdd, &QPushButton::clicked, &frmAddMeal::cmdAdd_Click);
+
+    using controls::ReportListView;
+    handlers_.connect(ui_.lstMeal, &ReportListView::doubleClicked, &frmAddMeal::lstMeal_DblClick);
+    handlers_.connect(ui_.lstMeal, &ReportListView::customContextMenuRequested, &frmAddMeal::lstMeal_MouseDown);
+    auto* menuKey = new QShortcut(Qt::SHIFT | Qt::Key_F10, ui_.lstMeal);
+    menuKey->setContext(Qt::WidgetShortcut);
+    handlers_.connect(menuKey, &QShortcut::activated, &frmAddMeal::showMenuAtSelectedLine);
+    handlers_.connect(ui_.mnuCarbGoalSeek, &QAction::triggered, &frmAddMeal::mnuCarbGoalSeek_Click);
+    handlers_.connect(ui_.cmdOptimise, &QPushButton::clicked, &frmAddMeal::cmdOptimise_Click);
+    handlers_.connect(ui_.cmdPrintMeal, &QPushButton::clicked, &frmAddMeal::cmdPrintMeal_Click);
+
+    handlers_.connect(ui_.cmdDate, &QPushButton::clicked, &frmAddMeal::cmdDate_Click);
+    handlers_.connect(ui_.txtInsulinDosage, &QLineEdit::textChanged, &frmAddMeal::txtInsulinDosage_Change);
+    handlers_.connect(ui_.cmdGetOldMeal, &QPushButton::clicked, &frmAddMeal::cmdGetOldMeal_Click);
+    handlers_.connect(ui_.cmdModifyOldMeal, &QPushButton::clicked, &frmAddMeal::cmdModifyOldMeal_Click);
+    handlers_.connect(ui_.cmdOK, &QPushButton::clicked, &frmAddMeal::cmdOK_Click);
+    handlers_.connect(ui_.cmdCancel, &QPushButton::clicked, &frmAddMeal::cmdCancel_Click);
+    handlers_.connect(ui_.cmdSave, &QPushButton::clicked, &frmAddMeal::cmdSave_Click);
+}
+
+/// Enter presses the button that has the focus, and in a field none.
+void frmAddMeal::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+        QDialog::keyPressEvent(event);
+    else if (auto* button = qobject_cast<QPushButton*>(focusWidget()))
+        button->click();
+}
+
+} // namespace meals
