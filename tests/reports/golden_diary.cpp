@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QStringList>
 
+#include <algorithm>
+#include <optional>
 #include <stdexcept>
 
 namespace reports {
@@ -12,6 +14,9 @@ const QStringList kTypes = {QStringLiteral("Unclassified"), QStringLiteral("Gett
                             QStringLiteral("Meal + 2"),     QStringLiteral("Meal + 3"),   QStringLiteral("Pre Bed"),
                             QStringLiteral("Calibration"),  QStringLiteral("Exercise"),   QStringLiteral("Other")};
 
+const QStringList kMealTypes = {QStringLiteral("-"), QStringLiteral("Breakfast"), QStringLiteral("Lunch"),
+                                QStringLiteral("Dinner"), QStringLiteral("Snack")};
+
 void require(bool sensible, const char* what)
 {
     if (!sensible) {
@@ -19,12 +24,29 @@ void require(bool sensible, const char* what)
     }
 }
 
-GoldenDiary::Reading readingIn(const QString& text)
+QStringList columnsIn(const QString& text)
 {
     QStringList columns;
     for (const QString& column : text.split(u'|')) {
         columns.append(column.trimmed());
     }
+    return columns;
+}
+
+std::optional<double> numberIn(const QString& text)
+{
+    if (text == u'-') {
+        return std::nullopt;
+    }
+    bool isNumber = false;
+    const double number = QLocale::c().toDouble(text, &isNumber);
+    require(isNumber, "no number");
+    return number;
+}
+
+GoldenDiary::Reading readingIn(const QString& text)
+{
+    const QStringList columns = columnsIn(text);
     require(columns.size() == 3 || columns.size() == 4, "a reading has three or four columns");
     bool isNumber = false;
     const GoldenDiary::Reading reading{columns.at(0), QLocale::c().toDouble(columns.at(1), &isNumber),
@@ -32,6 +54,38 @@ GoldenDiary::Reading readingIn(const QString& text)
     require(isNumber, "no level");
     require(reading.type >= 0, "no type of reading");
     return reading;
+}
+
+FoodRow foodIn(const QString& text)
+{
+    const QStringList columns = columnsIn(text);
+    require(columns.size() == 5, "a food has a description and four figures");
+    return {columns.at(0), numberIn(columns.at(1)), numberIn(columns.at(2)), numberIn(columns.at(3)),
+            numberIn(columns.at(4))};
+}
+
+MealRow::Portion portionIn(const QString& text, const std::vector<FoodRow>& foods)
+{
+    const QString description = text.section(u' ', 1);
+    const auto food = std::find_if(foods.begin(), foods.end(),
+                                   [&](const FoodRow& known) { return known.description == description; });
+    require(food != foods.end(), "a meal of no food above it");
+    return {static_cast<qint32>(food - foods.begin()) + 1, numberIn(text.section(u' ', 0, 0))};
+}
+
+MealRow mealIn(const QString& text, const std::vector<FoodRow>& foods)
+{
+    const QStringList columns = columnsIn(text);
+    require(columns.size() > 3, "a meal has a time, a type, a dose and foods");
+    MealRow meal{columns.at(0), static_cast<int>(kMealTypes.indexOf(columns.at(1))), std::nullopt, {}};
+    require(meal.type >= 0, "no type of meal");
+    if (const std::optional<double> dose = numberIn(columns.at(2))) {
+        meal.dose = static_cast<int>(*dose);
+    }
+    for (const QString& portion : columns.mid(3)) {
+        meal.portions.push_back(portionIn(portion, foods));
+    }
+    return meal;
 }
 
 DateFilter filterIn(const QString& text)
@@ -69,8 +123,15 @@ void take(const QString& line, GoldenDiary& diary)
         diary.filter = filterIn(rest);
     } else if (word == QStringLiteral("reading")) {
         diary.readings.push_back(readingIn(rest));
+    } else if (word == QStringLiteral("food")) {
+        diary.foods.push_back(foodIn(rest));
+    } else if (word == QStringLiteral("meal")) {
+        diary.meals.push_back(mealIn(rest, diary.foods));
     } else if (word == QStringLiteral("report")) {
-        diary.reports.push_back({rest, {}, 0});
+        diary.reports.push_back({rest, {}, 0, false});
+    } else if (word == QStringLiteral("then")) {
+        require(!diary.reports.empty(), "no report to go on from");
+        diary.reports.push_back({rest, diary.reports.back().lines, 0, true});
     } else if (word == QStringLiteral("error")) {
         require(!diary.reports.empty(), "an error of no report");
         diary.reports.back().error = rest.toInt();

@@ -62,16 +62,26 @@ TEST_P(GoldenDiaryReports, HoldTheLinesWorkedOutByHand)
                          reading.comment.isEmpty() ? runtime::Value{runtime::Null{}} : reading.comment);
     }
 
+    for (std::size_t food = 0; food < golden.foods.size(); ++food) {
+        addFood(diary.path(), static_cast<qint32>(food) + 1, golden.foods[food]);
+    }
+    for (const MealRow& meal : golden.meals) {
+        addMeal(diary.path(), meal);
+    }
+
     const runtime::FixedClock clock(runtime::toDate(QStringLiteral("01/06/2002 10:00")));
+    ReportState state;
     for (const GoldenDiary::Report& expected : golden.reports) {
         SCOPED_TRACE(expected.name.toStdString());
         const Report* report = findReport(expected.name);
         ASSERT_NE(report, nullptr);
-        ReportState state;
-        state.strPath = diary.path();
-        state.fields = golden.filter;
-        state.strWhere = golden.filter.isComplete() ? golden.filter.strWhere() : QString();
-        state.clock = &clock;
+        if (!expected.continues) {
+            state = {};
+            state.strPath = diary.path();
+            state.fields = golden.filter;
+            state.strWhere = golden.filter.isComplete() ? golden.filter.strWhere() : QString();
+            state.clock = &clock;
+        }
         EXPECT_EQ(errorOf(*report, state), expected.error);
         EXPECT_THAT(linesOf(state.lstView), testing::ElementsAreArray(expected.lines));
     }
