@@ -58,10 +58,24 @@ qint32 nextNumber(data::Database& database)
     return next == kNoFood ? next - 1 : next;
 }
 
-void setNutrient(data::Recordset& food, const NewFood::Value& value)
+/// A column that is no nutrient. Weights, measures and refuse stay unset.
+void setFixed(data::Recordset& row, const QString& column, const NewFood& food, qint32 number)
+{
+    if (column == u"Shrt_Desc")
+        row.set(column, food.description);
+    else if (column == u"NDB_No")
+        row.set(column, number);
+    // As numbers, not as truth values: a flag kept in a number column is 1, and "true" would be -1 there.
+    else if (column == u"Recipe")
+        row.set(column, qint32{food.isRecipe});
+    else if (column == u"Ingredient")
+        row.set(column, qint32{food.isIngredient});
+}
+
+void setNutrient(data::Recordset& row, const NewFood::Value& value)
 {
     try {
-        food.set(value.column, value.text.isEmpty() ? 0.0 : runtime::toDouble(value.text));
+        row.set(value.column, value.text.isEmpty() ? 0.0 : runtime::toDouble(value.text));
     } catch (const RunTimeError& error) {
         if (error.code() == ErrorNumber::ItemNotFound)
             throw;
@@ -96,11 +110,8 @@ qint32 SaveIngredient(const QString& diaryPath, const NewFood& food)
     const qint32 lngNDBNo = nextNumber(database);
     data::Recordset row = openWithoutRows(database);
     row.addNew();
-    row.set(QStringLiteral("Shrt_Desc"), food.description);
-    row.set(QStringLiteral("NDB_No"), lngNDBNo);
-    // As numbers, not as truth values: a flag kept in a number column is 1, and "true" would be -1 there.
-    row.set(QStringLiteral("Recipe"), qint32{food.isRecipe});
-    row.set(QStringLiteral("Ingredient"), qint32{food.isIngredient});
+    for (int position = 0; position < row.fieldCount(); ++position)
+        setFixed(row, row.field(position).name, food, lngNDBNo);
     for (const NewFood::Value& value : food.values)
         setNutrient(row, value);
     row.update();
