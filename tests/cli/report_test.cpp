@@ -1,4 +1,5 @@
 #include "cli/quillonctl.h"
+#include "reports/diary_content.h"
 #include "support/test_diary.h"
 
 #include <gmock/gmock.h>
@@ -6,6 +7,7 @@
 
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -83,6 +85,18 @@ TEST_F(ReportCommand, StatisticsStandBelowTheReportBeforeAndNameTheDates)
     EXPECT_EQ(lines.at(4), "Statistics for 05/03/2002 to 07/03/2002");
     EXPECT_EQ(lines.at(6), "Average Blood Sugar Level = 6.0 Mmol");
     EXPECT_EQ(linesOf(report("stats").out).at(0), "Statistics for  to ") << "without a filter";
+}
+
+TEST_F(ReportCommand, SeveralDiariesShareTheSumsOfTheDay)
+{
+    reports::addFood(diary_.path(), 1, {QStringLiteral("BREAD"), 250, 50, 4, 8});
+    reports::addMeal(diary_.path(), {QStringLiteral("05/03/2002 08:00"), 1, 5, {{1, 100}}});
+    diary_.addReading(QStringLiteral("05/03/2002 07:45"), 5, 2);
+    diary_.addReading(QStringLiteral("05/03/2002 10:00"), 7, 3);
+    EXPECT_THAT(linesOf(report("diary-summary").out), Contains("\tDay Total kCal/gms/gms/gms\t250.0\t50.0\t4.0\t8.0"));
+    EXPECT_THAT(linesOf(report("insulin,diary-summary").out),
+                Contains("\tDay Total kCal/gms/gms/gms\t500.0\t100.0\t8.0\t16.0"))
+        << "the insulin diary leaves its meals to the next day that is closed";
 }
 
 TEST_F(ReportCommand, AFailedReportEndsTheRunUnlessItKeepsGoing)
