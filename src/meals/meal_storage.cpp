@@ -16,9 +16,6 @@ namespace {
 
 using runtime::RunTimeError;
 
-/// Before the first food is added the list holds fewer lines.
-constexpr qsizetype kLinesOfAMeal = 4;
-
 /// The same error, its hint followed by a sentence.
 RunTimeError withSentence(const RunTimeError& error, const QString& sentence)
 {
@@ -124,7 +121,7 @@ std::optional<Refusal> refusalOf(const MealEntry& entry, const MealSheet& sheet)
         return Refusal::DoseNotANumber;
     if (runtime::toDouble(entry.insulinDose) == 0 && entry.type != kSnack)
         return Refusal::ZeroDose;
-    if (sheet.lines().size() < kLinesOfAMeal)
+    if (!sheet.hasFood())
         return Refusal::NoFood;
     return std::nullopt;
 }
