@@ -30,12 +30,15 @@ qint32 numberOf(const data::Recordset& food)
 /// What the user can do about a search text that the search cannot take.
 RunTimeError searchFailed(const RunTimeError& error, const QString& text)
 {
-    if (text.contains(u'\''))
-        return error.withHint(QStringLiteral("An apostrophe cannot be searched for: leave out the word that has it, or "
-                                             "type ? in its place."));
+    const bool isMisread = error.code() == ErrorNumber::QuerySyntax || error.code() == ErrorNumber::TooFewParameters;
+    if (isMisread && text.contains(u'\''))
+        return error.withHint(
+            QStringLiteral("An apostrophe ends the text to search for: type two of them in its place, "
+                           "or a ?."));
     if (error.code() == ErrorNumber::InvalidPattern)
-        return error.withHint(QStringLiteral("A [ begins a list of characters, such as [ab] or [a-f], which ends with "
-                                             "]: type [[] to find the bracket itself."));
+        return error.withHint(
+            QStringLiteral("A [ begins a list of characters such as [ab] or [a-f], which a ] ends: type "
+                           "[[] to search for the bracket itself."));
     return error;
 }
 

@@ -36,7 +36,8 @@ struct FoundFood {
 };
 
 /// The foods with the text anywhere in their description, in the reverse of the table's order. The text goes into the
-/// search as typed: * ? # [ ] are its wildcards, and an apostrophe is a syntax error (3075).
+/// search as typed: * ? # [ ] are its wildcards (93 for a list that is not closed), and an apostrophe is a syntax error
+/// (3075).
 [[nodiscard]] QList<FoundFood> searchFoods(const QString& diaryPath, const QString& text);
 
 } // namespace meals
