@@ -122,8 +122,8 @@ void addReading(benchmark::State& state)
 void addReadingWithSqlite(benchmark::State& state)
 {
     const std::string days = std::to_string(state.range(0));
-    const bench::Sqlite connection = bench::copyReadings(diaries().ofDays(static_cast<int>(state.range(0))),
-                                                         diaries().pathFor("add-" + days + ".sqlite"));
+    const bench::Sqlite connection = bench::copyDiary(diaries().ofDays(static_cast<int>(state.range(0))),
+                                                      diaries().pathFor("add-" + days + ".sqlite"));
     sqlite3_stmt* statement = nullptr;
     sqlite3_prepare_v2(
         connection.get(),
