@@ -38,6 +38,7 @@ void frmSelectMeal::Form_Load(const QString& diaryPath)
         lines_.addItem(meal.line());
     model_ = std::make_unique<controls::ReportListModel>(lines_);
     lstMeals->show(*model_);
+    lstMeals->setCurrentIndex({}); // not the first by itself, so that the first arrow key selects it
 }
 
 void frmSelectMeal::cmdOK_Click()
