@@ -43,11 +43,13 @@ Control* element(const char* array, std::size_t index, Control* control)
 /// the foot of the text in there.
 struct RowMeasures {
     explicit RowMeasures(const QLineEdit& box)
-        : boxHeight(box.sizeHint().height()), labelHeight((boxHeight + box.fontMetrics().height() + 1) / 4 * 2 + 2)
+        : boxHeight(box.sizeHint().height()), textTop((boxHeight - box.fontMetrics().height() + 1) / 2),
+          labelHeight((textTop + box.fontMetrics().height() + 1) / 2 * 2)
     {
     }
 
     int boxHeight;
+    int textTop;     ///< below the top of the box
     int labelHeight; ///< even
     [[nodiscard]] int distance() const { return labelHeight * 3 / 2; }
 };
@@ -58,11 +60,12 @@ class RowsInSight : public QScrollArea
 public:
     [[nodiscard]] QSize sizeHint() const override
     {
-        const QSize frame(2 * frameWidth(), 2 * frameWidth());
+        const int firstColumn =
+            kRowsInFirstColumn * RowMeasures(QLineEdit()).distance() + widget()->layout()->contentsMargins().top();
         const QSize content = widget()->sizeHint();
-        const int firstColumn = kRowsInFirstColumn * RowMeasures(QLineEdit()).distance();
-        return frame + QSize(content.width() + verticalScrollBar()->sizeHint().width(),
-                             std::min(content.height(), firstColumn));
+        return QSize(content.width() + verticalScrollBar()->sizeHint().width(),
+                     std::min(content.height(), firstColumn)) +
+               QSize(2 * frameWidth(), 2 * frameWidth());
     }
 };
 
@@ -199,8 +202,10 @@ void frmAddIngredient::addRow(const QString& column)
     box->setMinimumWidth(fontMetrics().averageCharWidth() * kValueCharacters);
     auto* label = element("lblNutrient", index, new QLabel(column));
     label->setTextFormat(Qt::PlainText);
-    label->setAlignment(Qt::AlignLeft | Qt::AlignBottom);
-    label->setFixedHeight(RowMeasures(*box).labelHeight);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    const RowMeasures measures(*box);
+    label->setContentsMargins(0, measures.textTop, 0, 0);
+    label->setFixedHeight(measures.labelHeight);
 
     const int position = static_cast<int>(index);
     const bool first = position < kRowsInFirstColumn;

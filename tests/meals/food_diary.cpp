@@ -2,8 +2,7 @@
 
 #include "data/new_diary/diary_schema.h"
 #include "jet/database.h"
-
-#include <QProcess>
+#include "meals/exported_table.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +12,7 @@ using jet::ColumnType;
 
 namespace {
 
-const std::string kFoods = "NutritionalInformation";
+constexpr const char* kFoods = "NutritionalInformation";
 
 void fill(jet::Table& table, const std::vector<int>& numbers)
 {
@@ -46,15 +45,7 @@ FoodDiary::FoodDiary(const std::vector<jet::ColumnSpec>& columns, const std::vec
 
 std::vector<std::string> FoodDiary::foods() const
 {
-    QProcess mdbExport;
-    mdbExport.start(QStringLiteral(QUILLON_MDB_EXPORT),
-                    {QStringLiteral("-H"), QStringLiteral("-Q"), QStringLiteral("-d"), QStringLiteral(" | "),
-                     QStringLiteral("-0"), QStringLiteral("null"), path_, QString::fromStdString(kFoods)});
-    EXPECT_TRUE(mdbExport.waitForFinished());
-    std::vector<std::string> lines;
-    for (const QString& line : QString::fromUtf8(mdbExport.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts))
-        lines.push_back(line.toStdString());
-    return lines;
+    return exportedTable(path_, kFoods);
 }
 
 std::vector<std::string> FoodDiary::addedFoods() const

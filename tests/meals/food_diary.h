@@ -17,7 +17,7 @@ public:
     FoodDiary(const std::vector<jet::ColumnSpec>& columns, const std::vector<int>& foods);
 
     [[nodiscard]] const QString& path() const { return path_; }
-    /// The foods in stored order, their columns by " | "; an open value is "null".
+    /// As exportedTable() tells them.
     [[nodiscard]] std::vector<std::string> foods() const;
     /// Those whose number is not among the ones that the table was made with.
     [[nodiscard]] std::vector<std::string> addedFoods() const;
