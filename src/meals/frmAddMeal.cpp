@@ -9,6 +9,7 @@
 #include "dialogs/change_date.h"
 #include "meals/carb_goal.h"
 #include "meals/food.h"
+#include "meals/frmAddIngredient.h"
 #include "meals/frmSelectMeal.h"
 #include "meals/insulin_caption.h"
 #include "reports/modDisp.h"
@@ -33,7 +34,7 @@ namespace meals {
 
 namespace {
 
-const QSize kInitialSize(880, 540);
+const QSize kInitialSize(900, 560);
 constexpr int kShortestSearch = 2;
 constexpr double kUsualRatio = 11.55; ///< grams of carbohydrate to a unit of insulin
 
@@ -136,6 +137,12 @@ void frmAddMeal::txtQuantity_LostFocus()
 void frmAddMeal::cmdAdd_Click()
 {
     AddIngredient(ui_.txtQuantity->text(), chosenFood());
+}
+
+void frmAddMeal::cmdAddIngredient_Click()
+{
+    frmAddIngredient form(this, world_.dialogs, world_.state.strPath);
+    controls::ShowCentredModal(form, *this);
 }
 
 void frmAddMeal::lstMeal_DblClick()
@@ -366,6 +373,7 @@ void frmAddMeal::connectHandlers()
     focus_ = new controls::FieldFocus(*this);
     focus_->watch(*ui_.txtQuantity, handlers_.function(&frmAddMeal::txtQuantity_LostFocus));
     handlers_.connect(ui_.cmdAdd, &QPushButton::clicked, &frmAddMeal::cmdAdd_Click);
+    handlers_.connect(ui_.cmdAddIngredient, &QPushButton::clicked, &frmAddMeal::cmdAddIngredient_Click);
 
     using controls::ReportListView;
     handlers_.connect(ui_.lstMeal, &ReportListView::doubleClicked, &frmAddMeal::lstMeal_DblClick);

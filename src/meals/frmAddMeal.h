@@ -40,6 +40,7 @@ private:
     void txtQuantity_KeyPress();
     void txtQuantity_LostFocus();
     void cmdAdd_Click();
+    void cmdAddIngredient_Click();
     void lstMeal_DblClick();
     void lstMeal_MouseDown(QPoint place);
     void mnuCarbGoalSeek_Click();
