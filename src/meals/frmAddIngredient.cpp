@@ -24,6 +24,7 @@ namespace {
 
 constexpr int kRowsInFirstColumn = 15;
 constexpr int kValueCharacters = 12;
+constexpr int kGapCharacters = 4;
 constexpr int kDescriptionCharacters = 50;
 
 template <typename Control>
@@ -207,23 +208,26 @@ void frmAddIngredient::addRow(const QString& column)
     label->setContentsMargins(0, measures.textTop, 0, 0);
     label->setFixedHeight(measures.labelHeight);
 
-    const int position = static_cast<int>(index);
-    const bool first = position < kRowsInFirstColumn;
-    const int row = first ? position : position - kRowsInFirstColumn;
-    constexpr int kColumnsOfARow = 2;
-    const int column0 = first ? 0 : kColumnsOfARow + 1; // an empty one stands between them
-    rows_->addWidget(label, row, column0, Qt::AlignTop);
-    rows_->addWidget(box, row, column0 + 1, Qt::AlignTop);
-    rows_->setColumnStretch(column0 + 1, 1);
-    if (!first)
-        rows_->setColumnMinimumWidth(kColumnsOfARow, fontMetrics().averageCharWidth() * 4);
-
+    placeRow(static_cast<int>(index), label, box);
     setTabOrder(index == 0 ? static_cast<QWidget*>(chkIngredient) : txtNutrientValue.back(), box);
     setTabOrder(box, cmdOK);
     focus_->watch(
         *box, [this, index] { controls::guarded(dialogs_, this, [=, this] { txtNutrientValue_LostFocus(index); }); });
     lblNutrient.push_back(label);
     txtNutrientValue.push_back(box);
+}
+
+void frmAddIngredient::placeRow(int index, QLabel* label, QLineEdit* box)
+{
+    constexpr int kGap = 2; // the grid's columns are label, box, a gap, label, box
+    const bool beside = index >= kRowsInFirstColumn;
+    const int row = beside ? index - kRowsInFirstColumn : index;
+    const int column = beside ? kGap + 1 : 0;
+    rows_->addWidget(label, row, column, Qt::AlignTop);
+    rows_->addWidget(box, row, column + 1, Qt::AlignTop);
+    rows_->setColumnStretch(column + 1, 1);
+    if (beside)
+        rows_->setColumnMinimumWidth(kGap, fontMetrics().averageCharWidth() * kGapCharacters);
 }
 
 void frmAddIngredient::connectHandlers()

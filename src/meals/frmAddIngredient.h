@@ -45,6 +45,7 @@ private:
     [[nodiscard]] QBoxLayout* createHead();
     [[nodiscard]] QBoxLayout* createButtons();
     void addRow(const QString& column);
+    void placeRow(int index, QLabel* label, QLineEdit* box);
     void connectHandlers();
     void enter(QLineEdit* field);
 
