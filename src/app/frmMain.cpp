@@ -9,6 +9,9 @@
 #include "data/diary_location.h"
 #include "dialogs/change_date.h"
 #include "main_menu.h"
+#include "meals/frmAddIngredient.h"
+#include "meals/frmAddMeal.h"
+#include "meals/frmEditMealTime.h"
 #include "print_window.h"
 #include "program_icon.h"
 #include "readings/frmAddBloodSugar.h"
@@ -137,9 +140,27 @@ void frmMain::mnuImportBlood_Click()
     controls::ShowCentredModal(form, *this);
 }
 
+void frmMain::mnuAddMeal_Click()
+{
+    meals::frmAddMeal form(this, {world_.clock, world_.dialogs, world_.printers, state_});
+    controls::ShowCentredModal(form, *this);
+}
+
+void frmMain::mnuAddIngredient_Click()
+{
+    meals::frmAddIngredient form(this, world_.dialogs, state_.strPath);
+    controls::ShowCentredModal(form, *this);
+}
+
 void frmMain::mnuEditBloodSugar_Click()
 {
     readings::frmEditBldSugar form(this, world_.dialogs, state_.strPath);
+    controls::ShowCentredModal(form, *this);
+}
+
+void frmMain::mnuEditMealTime_Click()
+{
+    meals::frmEditMealTime form(this, world_.dialogs, state_.strPath);
     controls::ShowCentredModal(form, *this);
 }
 
@@ -319,7 +340,10 @@ void frmMain::connectMenu()
     connectEntry("mnuExit", &frmMain::mnuExit_Click);
     connectEntry("mnuBloodSugar", &frmMain::mnuBloodSugar_Click);
     connectEntry("mnuImportBlood", &frmMain::mnuImportBlood_Click);
+    connectEntry("mnuAddMeal", &frmMain::mnuAddMeal_Click);
+    connectEntry("mnuAddIngredient", &frmMain::mnuAddIngredient_Click);
     connectEntry("mnuEditBloodSugar", &frmMain::mnuEditBloodSugar_Click);
+    connectEntry("mnuEditMealTime", &frmMain::mnuEditMealTime_Click);
     connectEntry("mnuFind", &frmMain::mnuFind_Click);
     connectEntry("mnuFindNext", &frmMain::mnuFindNext_Click);
     connectEntry("mnuBasicBloodSugar", &frmMain::mnuBasicBloodSugar_Click);

@@ -59,7 +59,10 @@ private:
     void mnuExit_Click();
     void mnuBloodSugar_Click();
     void mnuImportBlood_Click();
+    void mnuAddMeal_Click();
+    void mnuAddIngredient_Click();
     void mnuEditBloodSugar_Click();
+    void mnuEditMealTime_Click();
     void mnuFind_Click();
     void mnuFindNext_Click();
     void mnuBasicBloodSugar_Click();
