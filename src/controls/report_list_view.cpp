@@ -93,6 +93,12 @@ void ReportListView::copySelection() const
         QGuiApplication::clipboard()->setText(text);
 }
 
+void ReportListView::setCutColumn(int column)
+{
+    cutColumn_ = column;
+    takeTabStops();
+}
+
 void ReportListView::reset()
 {
     widest_ = 0;
@@ -143,7 +149,7 @@ void ReportListView::measureLinesInSight()
     const int last = std::min(first + viewport()->height() / height + 1, model->rowCount() - 1);
     double width = 0;
     for (int row = first; row <= last; ++row)
-        width = std::max(width, layOutColumns(model->text(row), tabStops_, metrics).width);
+        width = std::max(width, layOutColumns(model->text(row), tabStops_, metrics, cutColumn_).width);
     const int needed = static_cast<int>(std::ceil(width)) + 2 * ReportLineDelegate::kMargin;
     if (needed > widest_) {
         widest_ = (needed / kWidthStep + 1) * kWidthStep;

@@ -34,6 +34,9 @@ public:
     void copySelection() const;
 
     [[nodiscard]] const TabStops& tabStops() const { return tabStops_; }
+    /// The column that is cut rather than pushing the next ones from their places (see layOutColumns).
+    void setCutColumn(int column);
+    [[nodiscard]] int cutColumn() const { return cutColumn_; }
     /// How wide an item must be for the widest line that was in sight so far.
     [[nodiscard]] int widestLine() const { return widest_; }
 
@@ -51,6 +54,7 @@ private:
 
     TabStops tabStops_;
     int widest_ = 0;
+    int cutColumn_ = kNoColumn;
 };
 
 } // namespace controls

@@ -22,6 +22,13 @@ QString withoutControlCharacters(QString text)
     return text;
 }
 
+/// Less a blank, so that the next column is told from it; whole where there is no room at all.
+QString cutToFit(const QString& text, double room, const QFontMetricsF& metrics)
+{
+    const double width = room - metrics.horizontalAdvance(u' ');
+    return width > 0 ? metrics.elidedText(text, Qt::ElideRight, width) : text;
+}
+
 } // namespace
 
 TabStops::TabStops(const QList<int>& dialogUnits, double characterWidth)
@@ -48,14 +55,20 @@ double averageCharacterWidth(const QFontMetricsF& metrics)
     return metrics.horizontalAdvance(letters) / static_cast<double>(letters.size());
 }
 
-ColumnLayout layOutColumns(const QString& line, const TabStops& stops, const QFontMetricsF& metrics)
+ColumnLayout layOutColumns(const QString& line, const TabStops& stops, const QFontMetricsF& metrics, int cutColumn)
 {
     ColumnLayout layout;
+    const QStringList pieces = line.split(u'\t');
+    const bool mayCut = pieces.size() == stops.places().size() + 1;
     double x = 0;
-    for (const QString& piece : line.split(u'\t')) {
-        if (!layout.columns.isEmpty())
+    for (const QString& piece : pieces) {
+        const qsizetype column = layout.columns.size();
+        if (column > 0)
             x = stops.next(layout.width);
-        layout.columns.append({x, withoutControlCharacters(piece)});
+        QString text = withoutControlCharacters(piece);
+        if (mayCut && column == cutColumn && column + 1 < pieces.size())
+            text = cutToFit(text, stops.places().at(column) - x, metrics);
+        layout.columns.append({x, text});
         layout.width = x + metrics.horizontalAdvance(layout.columns.last().text);
     }
     return layout;

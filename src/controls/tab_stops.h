@@ -19,6 +19,8 @@ public:
 
     /// Where the text after a tab begins when the text before it ends at `x`: always further right.
     [[nodiscard]] double next(double x) const;
+    /// Of those that are set. A single one is repeated and so counts as none.
+    [[nodiscard]] const QList<double>& places() const { return stops_; }
 
 private:
     QList<double> stops_;
@@ -38,7 +40,12 @@ struct ColumnLayout {
     double width = 0; ///< where the last column ends
 };
 
-/// Splits a line at its tabs. Line breaks and other control characters of a column show as blanks.
-[[nodiscard]] ColumnLayout layOutColumns(const QString& line, const TabStops& stops, const QFontMetricsF& metrics);
+/// No column is cut.
+inline constexpr int kNoColumn = -1;
+
+/// Splits a line at its tabs. Line breaks and other control characters of a column show as blanks. In a line with a
+/// column for each place, `cutColumn` (counted from 0) ends with "..." where it would reach the next column's place.
+[[nodiscard]] ColumnLayout layOutColumns(const QString& line, const TabStops& stops, const QFontMetricsF& metrics,
+                                         int cutColumn = kNoColumn);
 
 } // namespace controls
