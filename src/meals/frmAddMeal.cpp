@@ -12,7 +12,7 @@
 #include "meals/frmAddIngredient.h"
 #include "meals/frmSelectMeal.h"
 #include "meals/insulin_caption.h"
-#include "reports/modDisp.h"
+#include "meals/meal_printout.h"
 #include "reports/modTabs.h"
 #include "reports/report_state.h"
 #include "runtime/clock.h"
@@ -24,7 +24,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
 #include <QScreen>
@@ -44,12 +43,6 @@ const QList<double>& tabStops()
     return stops;
 }
 
-const QList<double>& printPositions()
-{
-    static const QList<double> twips{1000, 2000, 4000, 5500, 6500, 7500};
-    return twips;
-}
-
 void moveFocusAndSelectAll(QLineEdit& field)
 {
     field.setFocus();
@@ -63,6 +56,7 @@ frmAddMeal::frmAddMeal(QWidget* owner, MealSurroundings world)
 {
     setObjectName(QStringLiteral("frmAddMeal"));
     setWindowTitle(QStringLiteral("Add Meal"));
+    ui_.lstSearch->show(foundModel_);
     ui_.lstMeal->show(lines_);
     Form_Load();
     connectHandlers();
@@ -91,19 +85,17 @@ void frmAddMeal::txtSearch_KeyPress()
 void frmAddMeal::cmdSearch_Click()
 {
     const QString text = ui_.txtSearch->text();
-    const QList<FoundFood> foods = searchFoods(world_.state.strPath, text);
-    ui_.lstSearch->clear();
-    for (const FoundFood& food : foods) {
-        auto* item = new QListWidgetItem(food.description, ui_.lstSearch);
-        item->setData(Qt::UserRole, food.number);
-    }
-    if (foods.isEmpty())
-        ui_.lstSearch->addItem(QStringLiteral("No Results for - ") + text);
+    found_ = searchFoods(world_.state.strPath, text);
+    foundLines_.clear();
+    for (const FoundFood& food : found_)
+        foundLines_.addItem(food.description);
+    if (found_.isEmpty())
+        foundLines_.addItem(QStringLiteral("No Results for - ") + text);
 }
 
 void frmAddMeal::lstSearch_Click()
 {
-    ui_.lstSearch->setCurrentRow(ui_.lstSearch->currentRow()); // chosen by Enter, it may not be selected yet
+    ui_.lstSearch->setCurrentIndex(ui_.lstSearch->currentIndex()); // chosen by Enter, it may not be selected yet
     moveFocusAndSelectAll(*ui_.txtQuantity);
 }
 
@@ -196,15 +188,7 @@ void frmAddMeal::cmdPrintMeal_Click()
     if (!printer)
         return;
     const controls::HourglassPointer hourglass;
-    const QString heading = QStringLiteral("Meal Compiled - ") +
-                            runtime::format(world_.clock.now(), QStringLiteral("dddd dd mmmm yyyy hh:mm"));
-    const reports::PrintJob job{.list = sheet_.lines(),
-                                .columns = printPositions(),
-                                .heading = heading,
-                                .selectedLines = {},
-                                .selectedOnly = false,
-                                .useStyles = false};
-    reports::PrintList(*printer, job, world_.state.printedLines);
+    printMeal(*printer, sheet_, world_.clock.now(), world_.state.printedLines);
 }
 
 void frmAddMeal::cmdDate_Click()
@@ -335,12 +319,12 @@ std::optional<int> frmAddMeal::mealType() const
 
 qint32 frmAddMeal::chosenFood() const
 {
-    const QList<QListWidgetItem*> chosen = ui_.lstSearch->selectedItems();
+    const QList<int> chosen = ui_.lstSearch->selectedLines();
     if (chosen.isEmpty())
         throw runtime::RunTimeError(runtime::ErrorNumber::SubscriptOutOfRange)
             .withHint(
                 QStringLiteral("No food is chosen: search for one and choose it in the list. Nothing was added."));
-    return chosen.first()->data(Qt::UserRole).toInt(); // 0 for the line that tells of no results
+    return found_.value(chosen.first()).number; // 0 for the line that tells of no results
 }
 
 std::optional<int> frmAddMeal::selectedLine() const
@@ -363,11 +347,12 @@ void frmAddMeal::selectLine(int line)
 
 void frmAddMeal::connectHandlers()
 {
+    using controls::ReportListView;
     handlers_.connect(ui_.txtSearch, &QLineEdit::textChanged, &frmAddMeal::txtSearch_Change);
     handlers_.connect(ui_.txtSearch, &QLineEdit::returnPressed, &frmAddMeal::txtSearch_KeyPress);
     handlers_.connect(ui_.cmdSearch, &QPushButton::clicked, &frmAddMeal::cmdSearch_Click);
-    handlers_.connect(ui_.lstSearch, &QListWidget::clicked, &frmAddMeal::lstSearch_Click);
-    handlers_.connect(ui_.lstSearch, &QListWidget::activated, &frmAddMeal::lstSearch_Click);
+    handlers_.connect(ui_.lstSearch, &ReportListView::clicked, &frmAddMeal::lstSearch_Click);
+    handlers_.connect(ui_.lstSearch, &ReportListView::activated, &frmAddMeal::lstSearch_Click);
     handlers_.connect(ui_.txtQuantity, &QLineEdit::textChanged, &frmAddMeal::txtQuantity_Change);
     handlers_.connect(ui_.txtQuantity, &QLineEdit::returnPressed, &frmAddMeal::txtQuantity_KeyPress);
     focus_ = new controls::FieldFocus(*this);
@@ -375,7 +360,6 @@ void frmAddMeal::connectHandlers()
     handlers_.connect(ui_.cmdAdd, &QPushButton::clicked, &frmAddMeal::cmdAdd_Click);
     handlers_.connect(ui_.cmdAddIngredient, &QPushButton::clicked, &frmAddMeal::cmdAddIngredient_Click);
 
-    using controls::ReportListView;
     handlers_.connect(ui_.lstMeal, &ReportListView::doubleClicked, &frmAddMeal::lstMeal_DblClick);
     handlers_.connect(ui_.lstMeal, &ReportListView::customContextMenuRequested, &frmAddMeal::lstMeal_MouseDown);
     auto* menuKey = new QShortcut(Qt::SHIFT | Qt::Key_F10, ui_.lstMeal);

@@ -74,6 +74,9 @@ private:
     const controls::EventHandlers<frmAddMeal> handlers_;
     MealSheet sheet_;
     controls::ReportListModel lines_{sheet_.lines()};
+    QList<FoundFood> found_; ///< one for each line of lstSearch, none for the line that tells so
+    reports::ReportList foundLines_;
+    controls::ReportListModel foundModel_{foundLines_};
     qint32 lngOldMealToDelete = 0;
 
     MealControls ui_;

@@ -8,7 +8,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
 
@@ -24,6 +23,7 @@ constexpr int kDateCharacters = 12;
 constexpr int kTimeCharacters = 7;
 constexpr int kDoseCharacters = 7;
 constexpr int kLeaderDots = 40;
+constexpr int kDescriptionColumn = 1; ///< of the meal's lines
 
 /// Makes the form's controls, in the order in which the Tab key visits them.
 class Maker
@@ -84,8 +84,8 @@ QBoxLayout* createSearch(Maker& maker, MealControls& ui)
                                             "character, # for any digit."));
     ui.cmdSearch = maker.makeButton("cmdSearch", QStringLiteral("Search"));
     ui.cmdSearch->setEnabled(false);
-    ui.lstSearch = maker.make<QListWidget>("lstSearch", QStringLiteral("Foods found"));
-    ui.lstSearch->setUniformItemSizes(true);
+    ui.lstSearch = maker.make<controls::ReportListView>("lstSearch", QStringLiteral("Foods found"));
+    ui.lstSearch->setSelectionMode(QAbstractItemView::SingleSelection);
     ui.txtQuantity = maker.makeField("txtQuantity", QStringLiteral("Quantity in grams"), kQuantityCharacters);
     ui.cmdAdd = maker.makeButton("cmdAdd", QStringLiteral("Add"), QStringLiteral("Adds the food to the meal."));
     ui.cmdAddIngredient = maker.makeButton("cmdAddIngredient", QStringLiteral("Add Ingredient"),
@@ -109,6 +109,7 @@ QBoxLayout* createMeal(Maker& maker, MealControls& ui)
 {
     ui.lstMeal = maker.make<controls::ReportListView>("lstMeal", QStringLiteral("Meal"));
     ui.lstMeal->setSelectionMode(QAbstractItemView::SingleSelection);
+    ui.lstMeal->setCutColumn(kDescriptionColumn);
     ui.lstMeal->setContextMenuPolicy(Qt::CustomContextMenu);
     ui.mnuPopUp = maker.make<QMenu>("mnuPopUp", QStringLiteral("Food"));
     ui.mnuCarbGoalSeek = ui.mnuPopUp->addAction(QStringLiteral("Carb/Insulin Goal Seek"));

@@ -6,7 +6,6 @@ class QComboBox;
 class QDialog;
 class QLabel;
 class QLineEdit;
-class QListWidget;
 class QMenu;
 class QPushButton;
 
@@ -20,7 +19,7 @@ namespace meals {
 struct MealControls {
     QLineEdit* txtSearch = nullptr;
     QPushButton* cmdSearch = nullptr;
-    QListWidget* lstSearch = nullptr;
+    controls::ReportListView* lstSearch = nullptr;
     QLineEdit* txtQuantity = nullptr;
     QPushButton* cmdAdd = nullptr;
     QPushButton* cmdAddIngredient = nullptr;
