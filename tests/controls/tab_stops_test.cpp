@@ -84,9 +84,9 @@ TEST(ColumnLayout, AColumnThatIsTooWideIsCutWhereItMayBe)
     const double character = averageCharacterWidth(metrics);
     const TabStops stops({40, 80}, character); // after 10 and 20 characters
     const QString wide(30, u'n');
-    const ColumnLayout layout = layOutColumns(u"a\t" + wide + u"\tc", stops, metrics, 1);
+    const ColumnLayout layout = layOutColumns(QStringLiteral("a\t") + wide + QStringLiteral("\tc"), stops, metrics, 1);
     ASSERT_EQ(layout.columns.size(), 3);
-    EXPECT_TRUE(layout.columns[1].text.startsWith(u"nnn"));
+    EXPECT_TRUE(layout.columns[1].text.startsWith(QStringLiteral("nnn")));
     EXPECT_TRUE(layout.columns[1].text.endsWith(QChar(0x2026))) << "an ellipsis";
     EXPECT_LT(metrics.horizontalAdvance(layout.columns[1].text), 10 * character);
     EXPECT_DOUBLE_EQ(layout.columns[2].x, 20 * character);
@@ -97,10 +97,13 @@ TEST(ColumnLayout, NoOtherColumnIsCut)
     const QFontMetricsF metrics(QGuiApplication::font());
     const TabStops stops({40, 80}, averageCharacterWidth(metrics));
     const QString wide(30, u'n');
-    EXPECT_EQ(layOutColumns(u"a\t" + wide + u"\tc", stops, metrics).columns[1].text, wide) << "none is to be cut";
-    EXPECT_EQ(layOutColumns(wide + u"\tb\tc", stops, metrics, 1).columns[0].text, wide);
-    EXPECT_EQ(layOutColumns(u"a\tb\t" + wide, stops, metrics, 2).columns[2].text, wide) << "nothing follows";
-    EXPECT_EQ(layOutColumns(u"a\t" + wide, stops, metrics, 1).columns[1].text, wide) << "not a column for each place";
+    EXPECT_EQ(layOutColumns(QStringLiteral("a\t") + wide + QStringLiteral("\tc"), stops, metrics).columns[1].text, wide)
+        << "none is to be cut";
+    EXPECT_EQ(layOutColumns(wide + QStringLiteral("\tb\tc"), stops, metrics, 1).columns[0].text, wide);
+    EXPECT_EQ(layOutColumns(QStringLiteral("a\tb\t") + wide, stops, metrics, 2).columns[2].text, wide)
+        << "nothing follows";
+    EXPECT_EQ(layOutColumns(QStringLiteral("a\t") + wide, stops, metrics, 1).columns[1].text, wide)
+        << "not a column for each place";
 }
 
 TEST(ColumnLayout, ALineBreakInsideAColumnShowsAsABlank)
