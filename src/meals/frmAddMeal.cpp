@@ -33,7 +33,7 @@ namespace meals {
 
 namespace {
 
-const QSize kInitialSize(900, 560);
+const QSize kInitialSize(920, 560);
 constexpr int kShortestSearch = 2;
 constexpr double kUsualRatio = 11.55; ///< grams of carbohydrate to a unit of insulin
 
