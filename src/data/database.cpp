@@ -147,6 +147,20 @@ void Database::close()
     implementation_->session->close();
 }
 
+Database::Reading::Reading(Database& database) : database_(&database)
+{
+    Session& session = *database.implementation_->session;
+    translating(session.path(), [&] { session.database().beginRead(); });
+}
+
+Database::Reading::~Reading()
+{
+    Session& session = *database_->implementation_->session;
+    if (session.isOpen()) {
+        session.database().endRead();
+    }
+}
+
 Database::Batch::Batch(Database& database) : database_(&database)
 {
     Session& session = *database.implementation_->session;

@@ -43,6 +43,20 @@ public:
         Database* database_;
     };
 
+    /// Many reads as one: the file is locked once for all of them, and no other program changes it in between. Other
+    /// programs wait meanwhile, so only for what takes no time to speak of.
+    class Reading
+    {
+    public:
+        explicit Reading(Database& database);
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+        ~Reading();
+
+    private:
+        Database* database_;
+    };
+
     [[nodiscard]] QStringList tableNames() const; ///< user tables, by name
     struct Query {
         QString name;

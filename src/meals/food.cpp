@@ -102,13 +102,11 @@ QList<FoundFood> searchFoods(const QString& diaryPath, const QString& text)
 {
     data::Database database(diaryPath);
     try {
+        const data::Database::Reading reading(database); // thousands of records are read
         data::Recordset foods =
             database.openRecordset(QStringLiteral("Select * from NutritionalInformation where Shrt_Desc like '*") +
                                    text + QStringLiteral("*'"));
-        const QList<FoundFood> found = lastToFirst(foods);
-        foods.close();
-        database.close();
-        return found;
+        return lastToFirst(foods);
     } catch (const RunTimeError& error) {
         throw searchFailed(error, text);
     }

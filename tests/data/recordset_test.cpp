@@ -2,11 +2,14 @@
 #include "data/support/query_rows.h"
 #include "data/support/small_diary.h"
 
+#include "jet/disk/error.h"
+#include "jet/disk/file.h"
 #include "runtime/run_time_error.h"
 
 #include <QFile>
 #include <QFileInfo>
 
+#include <chrono>
 #include <functional>
 
 namespace data::test {
@@ -370,6 +373,52 @@ TEST_F(RecordsetChange, ABatchIsKeptWholeOrNotAtAll)
         batch.commit();
     }
     EXPECT_EQ(rows(SQL("select Count(*) from Meals")), SQL("3"));
+}
+
+/// Whether another program could write to the file right now.
+bool canBeWritten(const QString& path)
+{
+    const std::unique_ptr<jet::File> file = jet::posixFileSystem().open(path.toStdString(), jet::OpenMode::ReadWrite);
+    try {
+        file->lock(jet::LockLevel::Exclusive, std::chrono::milliseconds(0));
+    } catch (const jet::Error& error) {
+        EXPECT_EQ(error.code(), jet::ErrorCode::Locked);
+        return false;
+    }
+    return true;
+}
+
+TEST_F(RecordsetChange, ManyReadsAsOneHoldOffOtherProgramsUntilTheyEnd)
+{
+    Database database = open();
+    {
+        const Database::Reading reading(database);
+        Recordset meals = database.openRecordset(SQL("Meals"));
+        EXPECT_FALSE(canBeWritten(path()));
+        meals.moveLast();
+        EXPECT_EQ(textOf(meals.value(0)), SQL("4"));
+        EXPECT_FALSE(canBeWritten(path())) << "between two reads";
+    }
+    EXPECT_TRUE(canBeWritten(path()));
+    const Recordset meals = database.openRecordset(SQL("Meals"));
+    EXPECT_TRUE(canBeWritten(path())) << "a recordset alone holds no lock between calls";
+}
+
+TEST_F(RecordsetChange, ManyReadsAsOneMayHaveAChangeOfTheirOwnAmongThem)
+{
+    Database database = open();
+    const Database::Reading reading(database);
+    EXPECT_EQ(database.execute(SQL("delete from Meals where MealNo = 4")), 1);
+    EXPECT_EQ(database.openRecordset(SQL("Meals")).recordCount(), 3);
+}
+
+TEST_F(RecordsetChange, ClosingTheFileEndsManyReadsAsOne)
+{
+    Database database = open();
+    const Database::Reading reading(database);
+    database.close();
+    EXPECT_TRUE(canBeWritten(path()));
+    EXPECT_EQ(errorIn([&] { const Database::Reading another(database); }), 3420);
 }
 
 TEST_F(RecordsetChange, AnEnforcedRelationshipIsKept)
