@@ -6,6 +6,7 @@
 
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace meals {
@@ -13,9 +14,16 @@ namespace meals {
 namespace {
 
 /// Wide enough for the longest date, "Wednesday 25 September 2024", and its like in other languages.
-constexpr int kDescriptionTabStop = 130;
+constexpr int kDescriptionTabStop = 120;
 constexpr int kLinesInSight = 15;
-constexpr int kWidthInCharacters = 48;
+
+/// Room for both columns of any line, for the scroll bar, and to spare: the list counts a line's width in steps.
+int widthFor(const controls::ReportListView& list)
+{
+    const double descriptions = list.tabStops().next(0);
+    return static_cast<int>(descriptions) + 2 * list.fontMetrics().horizontalAdvance(mealTypes().first().name) +
+           list.verticalScrollBar()->sizeHint().width();
+}
 
 } // namespace
 
@@ -39,6 +47,7 @@ void frmSelectMeal::Form_Load(const QString& diaryPath)
     model_ = std::make_unique<controls::ReportListModel>(lines_);
     lstMeals->show(*model_);
     lstMeals->setCurrentIndex({}); // not the first by itself, so that the first arrow key selects it
+    lstMeals->setMinimumSize(widthFor(*lstMeals), lstMeals->fontMetrics().lineSpacing() * kLinesInSight);
 }
 
 void frmSelectMeal::cmdOK_Click()
@@ -59,8 +68,6 @@ void frmSelectMeal::createControls()
     lstMeals->setObjectName(QStringLiteral("lstMeals"));
     lstMeals->setAccessibleName(QStringLiteral("Meals"));
     lstMeals->setSelectionMode(QAbstractItemView::SingleSelection);
-    lstMeals->setMinimumSize(fontMetrics().averageCharWidth() * kWidthInCharacters,
-                             fontMetrics().lineSpacing() * kLinesInSight);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -206,9 +206,14 @@ void fetchFoods(MealSheet& sheet, const QString& diaryPath, qint32 mealNumber)
         throw RunTimeError(runtime::ErrorNumber::NoCurrentRecord)
             .withHint(QStringLiteral("No foods are stored with this meal."));
     }
-    for (; !content.eof(); content.moveNext()) {
-        AddIngredient(sheet, diaryPath, runtime::toText(content.value(QStringLiteral("Quantity"))),
-                      runtime::toLong(content.value(QStringLiteral("NDB_No"))));
+    try {
+        for (; !content.eof(); content.moveNext()) {
+            AddIngredient(sheet, diaryPath, runtime::toText(content.value(QStringLiteral("Quantity"))),
+                          runtime::toLong(content.value(QStringLiteral("NDB_No"))));
+        }
+    } catch (const RunTimeError&) {
+        sheet.clear();
+        throw;
     }
     content.close();
     database.close();

@@ -58,8 +58,9 @@ struct StoredMeal {
 /// its type, and so does a meal of no known type.
 [[nodiscard]] MealEntry entryOf(const StoredMeal& meal);
 
-/// Clears the sheet and fills it with the foods of a stored meal. 3021 for a meal without foods; the sheet is empty
-/// then.
+/// Clears the sheet and fills it with the foods of a stored meal. 3021 for a meal without foods, and for one with a
+/// food that is no longer in the table. After an error the sheet is empty: a part of a meal must not pass for the
+/// whole.
 void fetchFoods(MealSheet& sheet, const QString& diaryPath, qint32 mealNumber);
 
 } // namespace meals

@@ -467,10 +467,13 @@ TEST_F(FetchedMeal, WithoutFoodsLeavesTheSheetEmpty)
     EXPECT_EQ(sheet.lines().size(), 3) << "as at the beginning";
 }
 
-TEST_F(FetchedMeal, OfAFoodThatIsNoLongerInTheTableIsAnError)
+TEST_F(FetchedMeal, WithAFoodThatIsNoLongerInTheTableIsNotFetchedInPart)
 {
-    reports::addMeal(path, {"05/03/2024 12:00", 2, 6, {{kMilk, 200}, {4711, 10}}});
-    EXPECT_EQ(errorOf([this] { fetchFoods(sheet, path, 1); }).number(), 3021);
+    reports::addMeal(path, {"05/03/2024 12:00", 2, 6, {{kMilk, 200}, {4711, 10}, {kBread, 80}}});
+    const runtime::RunTimeError error = errorOf([this] { fetchFoods(sheet, path, 1); });
+    EXPECT_EQ(error.number(), 3021);
+    EXPECT_THAT(error.hint().toStdString(), HasSubstr("4711"));
+    EXPECT_EQ(refusalOf(entry, sheet), Refusal::NoFood);
 }
 
 TEST_F(FetchedMeal, IsStoredAgainUnderANewNumberWithItsDateAndTime)
