@@ -2,6 +2,7 @@
 
 #include "data/database.h"
 #include "reports/diary_hints.h"
+#include "reports/diary_totals.h"
 #include "reports/modDisp.h"
 #include "reports/modTabs.h"
 #include "runtime/conversions.h"
@@ -64,6 +65,13 @@ Value portionOf(const Value& in100Grams, const Value& grams)
         return runtime::Null{};
     }
     return runtime::toDouble(in100Grams) * runtime::toDouble(grams) / 100;
+}
+
+/// Of a reading after a meal, by its change from the one before it.
+Style styleOf(double change)
+{
+    constexpr double largeChange = 3; // mmol/l
+    return std::fabs(change) < largeChange ? Blue : Red;
 }
 
 /// Goes through meals and readings side by side, both in the order of time.
@@ -188,13 +196,7 @@ private:
         if (detail_ == Detail::FoodsAndTotals) {
             list_.addItem(QString());
         }
-        const EnergySplit energy(meal);
-        addGrams(QStringLiteral("Total"), meal, Plain);
-        addEnergy(energy, Plain);
-        if (energy.total() == 0) {
-            throw RunTimeError(ErrorNumber::DivisionByZero).withHint(noEnergyHint(mealTime));
-        }
-        addShares(QStringLiteral("Total %"), energy);
+        addTotals(list_, {QStringLiteral("Total"), QStringLiteral("Total %")}, meal, Plain, noEnergyHint(mealTime));
         list_.addItem(QString());
     }
 
@@ -215,11 +217,10 @@ private:
     void AddPostMealResultToDisplay(Date mealTime)
     {
         const double reference = currentLevel();
-        double limit = 0;
+        const double limit = meals_.eof() ? std::trunc(mealTime.days) + 1 : mealTimeOf(meals_).days;
         do {
             addReading(mealTime, reference);
             history_.moveNext();
-            limit = meals_.eof() ? std::trunc(mealTime.days) + 1 : mealTimeOf(meals_).days;
         } while (!history_.eof() && timeOf(history_).days < limit);
         history_.movePrevious();
         list_.addItem(QString());
@@ -227,19 +228,17 @@ private:
 
     void addReading(Date mealTime, double reference)
     {
-        constexpr double largeChange = 3;
         const Date time = timeOf(history_);
         const Date difference{mealTime.days - time.days};
-        const double change = currentLevel() - reference;
         const bool beforeMeal = difference.days >= 0;
+        const double level = currentLevel();
+        const double change = level - reference;
         addColumns({QString(),
                     runtime::format(time, QStringLiteral("dd mmm hh:mm")) +
                         (beforeMeal ? QStringLiteral(" pre meal by") : QString()),
-                    runtime::format(difference, QStringLiteral("h:mm")), oneDecimal(currentLevel()), oneDecimal(change),
+                    runtime::format(difference, QStringLiteral("h:mm")), oneDecimal(level), oneDecimal(change),
                     textOf(history_, "Type"), textOf(history_, "Comment")},
-                   beforeMeal                        ? Green
-                   : std::fabs(change) < largeChange ? Blue
-                                                     : Red);
+                   beforeMeal ? Green : styleOf(change));
     }
 
     [[nodiscard]] double currentLevel() const
@@ -262,41 +261,13 @@ private:
 
     void DisplayTotals(Date mealTime)
     {
-        const EnergySplit energy(state_.dayTotals);
         list_.addItem(QString());
-        addGrams(QStringLiteral("Day Total kCal/gms/gms/gms"), state_.dayTotals, Bold);
-        addEnergy(energy, Bold);
-        if (energy.total() == 0) {
-            throw RunTimeError(ErrorNumber::DivisionByZero).withHint(noEnergyOfDayHint(mealTime));
-        }
-        addShares(QStringLiteral("Day Total %"), energy);
+        addTotals(list_, {QStringLiteral("Day Total kCal/gms/gms/gms"), QStringLiteral("Day Total %")},
+                  state_.dayTotals, Bold, noEnergyOfDayHint(mealTime));
         list_.addItem(QString());
         list_.addItem(kPageSeparator);
         list_.addItem(QString());
         state_.dayTotals = {};
-    }
-
-    void addGrams(const QString& name, const NutrientTotals& totals, Style style)
-    {
-        addColumns({QString(), name, oneDecimal(totals.energy), oneDecimal(totals.carbohydrate), oneDecimal(totals.fat),
-                    oneDecimal(totals.protein)},
-                   style);
-    }
-
-    void addEnergy(const EnergySplit& energy, Style style)
-    {
-        addColumns({QString(), QStringLiteral("Calc Total kCal/kCal/kCal/kCal"), oneDecimal(energy.total()),
-                    oneDecimal(energy.carbohydrate), oneDecimal(energy.fat), oneDecimal(energy.protein)},
-                   style);
-    }
-
-    /// There must be energy to share.
-    void addShares(const QString& name, const EnergySplit& energy)
-    {
-        const auto share = [&](double part) { return runtime::format(part / energy.total(), QStringLiteral("#0%")); };
-        addColumns({QString(), name, oneDecimal(energy.total()), share(energy.carbohydrate), share(energy.fat),
-                    share(energy.protein)},
-                   Bold);
     }
 
     void addColumns(const QStringList& columns, Style style = Plain) { list_.addItem(columns.join(u'\t'), style); }

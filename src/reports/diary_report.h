@@ -9,8 +9,9 @@ namespace reports {
 /// each meal, in the order of time: its heading, with `booDetail` its foods, its totals and shares of energy, the
 /// insulin with the grams of carbohydrate to a unit, the reading before it and those after it; at each day's end the
 /// day's totals. Meals of the same time are one. Without a meal nothing is added.
-/// 3021 where the history of readings ends before a meal's time or has none; 11 where a meal or a day has no energy.
-/// The lines up to there stay, and `state.dayTotals` keeps the part of the day.
+/// 3021 without a reading later than the first meal, before any line, the first of them not being counted; 11 where a
+/// meal or a day has no energy; 94 where a meal's time or dose, a food's quantity or a reading's level is null. The
+/// lines up to there stay, and `state.dayTotals` keeps the part of the day.
 void DisplayDiary(ReportState& state, bool booDetail);
 
 /// The same without foods and totals. Its meals stay in `state.dayTotals`, so that the next overall diary's first day

@@ -1,7 +1,12 @@
 #include "reports/diary_report.h"
 
+#include "data/new_diary/diary_schema.h"
+#include "data/new_diary/foods_csv.h"
 #include "diary_content.h"
+#include "jet/database.h"
 #include "report_under_test.h"
+
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,6 +28,21 @@ enum Food : qint32 { Bread = 1, Apple, Water };
 
 constexpr const char* kReadingColumns = "\t\tTime\tMmol\tDrop\tReading Type";
 const std::string kSeparator(57, '=');
+
+/// Doses in 32 bits, as another program may have made the table.
+void makeDiaryWithLongDoses(const QString& path)
+{
+    const auto file = jet::Database::create(jet::posixFileSystem(), path.toStdString(), jet::DateTime{46000});
+    for (jet::TableSpec table : data::diaryTables(data::requiredNutrients())) {
+        for (jet::ColumnSpec& column : table.columns) {
+            column.type = column.name == "Insulin Dosage" ? jet::ColumnType::Long : column.type;
+        }
+        file->createTable(table);
+    }
+    for (const jet::SavedQuery& query : data::diaryQueries()) {
+        file->createQuery(query);
+    }
+}
 
 class DiaryTest : public testing::Test, protected ReportUnderTest
 {
@@ -538,6 +558,26 @@ TEST_F(OverallDiary, AMealWithoutADoseEndsItBeforeItsHeading)
     EXPECT_THAT(lines(), Not(Contains(StartsWith("Lunch"))));
     EXPECT_THAT(hint(), AllOf(HasSubstr("05 Mar 2002 12:00"), HasSubstr("no insulin dose")));
     EXPECT_DOUBLE_EQ(state_.dayTotals.energy, 250);
+}
+
+TEST_F(InsulinDiary, ADoseBeyond16BitsEndsIt)
+{
+    const QTemporaryDir folder;
+    state_.strPath = folder.filePath(QStringLiteral("Nutrition.mdb"));
+    makeDiaryWithLongDoses(state_.strPath);
+    addMeal(state_.strPath, {QStringLiteral("05/03/2002 08:00"), Breakfast, 32767, {{Bread, 100}}});
+    addMeal(state_.strPath, {QStringLiteral("05/03/2002 12:00"), Lunch, 32768, {{Bread, 100}}});
+    data::Database database(state_.strPath);
+    data::Recordset readings = database.openRecordset(QStringLiteral("BloodSugarLevels"));
+    for (const char* time : {"05/03/2002 07:00", "05/03/2002 10:00"}) {
+        readings.addNew();
+        readings.set(QStringLiteral("ReadingTime"), runtime::toDate(QString::fromLatin1(time)));
+        readings.set(QStringLiteral("BloodSugerLevel"), 5.0);
+        readings.update();
+    }
+    EXPECT_EQ(errorOfBuild(), 6);
+    EXPECT_THAT(lines(), Contains(StartsWith("***\tInsulin (I) = 32767 units")));
+    EXPECT_THAT(lines(), Not(Contains(StartsWith("Lunch"))));
 }
 
 TEST_F(OverallDiary, AMealWithoutATimeEndsItBeforeAnyLine)
