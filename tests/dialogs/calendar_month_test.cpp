@@ -1,8 +1,8 @@
 #include "dialogs/calendar_month.h"
 
-#include "dialogs/locale_in_force.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
+#include "runtime/locale_in_force.h"
 
 #include <QDate>
 

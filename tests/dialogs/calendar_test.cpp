@@ -2,9 +2,9 @@
 
 #include "controls/mock_dialogs.h"
 #include "controls/window_testing.h"
-#include "dialogs/locale_in_force.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
+#include "runtime/locale_in_force.h"
 
 #include <QComboBox>
 #include <QLabel>

@@ -1,15 +1,18 @@
 #include "meals/meal_storage.h"
 
 #include "data/database.h"
-#include "dialogs/locale_in_force.h"
+#include "data/new_diary/diary_schema.h"
+#include "jet/database.h"
 #include "meals/exported_table.h"
 #include "meals/meal_sheet.h"
 #include "reports/diary_content.h"
+#include "runtime/locale_in_force.h"
 #include "runtime/run_time_error.h"
 #include "support/file_size_limit.h"
 #include "support/test_diary.h"
 
 #include <QFile>
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,6 +25,7 @@ namespace {
 
 using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -336,6 +340,38 @@ TEST_F(SaveMeal, OnADiskThatTakesNothingChangesNothing)
     EXPECT_THAT(meals(), ElementsAre("1 | 05/03/2024 18:00:00 | 2 | 6"));
     EXPECT_THAT(contents(), ElementsAre("1 | 1 | 80"));
     EXPECT_THAT(data::Database(path).check(), IsEmpty());
+}
+
+/// A file that has the table of the meals but not that of their foods, so that what comes second fails.
+class SaveMealStepByStep : public MealStorage
+{
+protected:
+    SaveMealStepByStep()
+    {
+        path = folder.filePath(QStringLiteral("Nutrition.mdb"));
+        const auto file = jet::Database::create(jet::posixFileSystem(), path.toStdString(), jet::DateTime{46000});
+        for (const jet::TableSpec& table : data::diaryTables({})) {
+            if (table.name == "Meals")
+                file->createTable(table);
+        }
+    }
+
+    QTemporaryDir folder;
+};
+
+TEST_F(SaveMealStepByStep, TheMealIsStoredBeforeItsFoods)
+{
+    EXPECT_THAT(errorOfSaving().hint().toStdString(), EndsWith("The meal was stored, but not all of its foods."));
+    EXPECT_THAT(meals(), ElementsAre("1 | 05/03/2024 12:30:00 | 2 | 6"));
+}
+
+TEST_F(SaveMealStepByStep, TheReplacedMealIsDeletedBeforeItsFoods)
+{
+    static_cast<void>(errorOfSaving());
+    entry.replaces = 1;
+    EXPECT_THAT(errorOfSaving().hint().toStdString(),
+                EndsWith("The old meal was deleted, and the new one was not stored."));
+    EXPECT_THAT(meals(), IsEmpty());
 }
 
 class StoredMeals : public MealStorage

@@ -7,6 +7,10 @@ class LocaleInForce
 {
 public:
     explicit LocaleInForce(const QLocale& locale) { QLocale::setDefault(locale); }
+    LocaleInForce(QLocale::Language language, QLocale::Territory territory)
+        : LocaleInForce(QLocale(language, territory))
+    {
+    }
     LocaleInForce(const LocaleInForce&) = delete;
     LocaleInForce& operator=(const LocaleInForce&) = delete;
     ~LocaleInForce() { QLocale::setDefault(before_); }
