@@ -296,7 +296,6 @@ void build(ReportState& state, Detail detail)
     if (meals.recordCount() == 0) {
         return;
     }
-    meals.moveFirst();
     Recordset history = database.openRecordset(historyFrom(mealTimeOf(meals)));
     Diary(state, meals, history, detail).run();
 }

@@ -268,6 +268,17 @@ TEST_F(InsulinDiary, TheReadingsOfTheLastMealEndAtMidnight)
     EXPECT_THAT(lines(), SizeIs(8));
 }
 
+TEST_F(InsulinDiary, TheReadingsOfALateLastMealEndAtTheSameMidnight)
+{
+    eat("05/03/2002 23:30", Snack, 0, {{Bread, 100}});
+    add("05/03/2002 23:00", 5.0, PreBed);
+    add("05/03/2002 23:58", 5.5, PreBed);
+    add("06/03/2002 07:00", 5.7, GettingUp);
+    build();
+    EXPECT_EQ(lines().at(5), "\t05 Mar 23:58\t0:28\t5.5\t0.5\tPre Bed\t");
+    EXPECT_THAT(lines(), SizeIs(7));
+}
+
 TEST_F(InsulinDiary, TheReadingsOfAnEarlierMealGoOnToTheNextDaysMeal)
 {
     addBreakfast();
