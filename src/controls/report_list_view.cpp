@@ -78,6 +78,16 @@ void ReportListView::addToSelection(int line)
     selectionModel()->setCurrentIndex(model->index(line), QItemSelectionModel::Select);
 }
 
+void ReportListView::selectOnly(int line)
+{
+    ReportListModel* model = lines();
+    if (model == nullptr)
+        return;
+    model->showAdded();
+    executeDelayedItemsLayout(); // else it scrolls as far as the lines before
+    selectionModel()->setCurrentIndex(model->index(line), QItemSelectionModel::ClearAndSelect);
+}
+
 QString ReportListView::selectedText() const
 {
     QString text;

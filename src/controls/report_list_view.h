@@ -29,6 +29,8 @@ public:
     [[nodiscard]] QList<int> selectedLines() const;
     /// Makes a line the current one and selects it; what is selected already stays so.
     void addToSelection(int line);
+    /// Makes a line the current and only selected one, in sight where the view scrolls by itself (autoScroll).
+    void selectOnly(int line);
     /// The selected lines, each with a line break behind it.
     [[nodiscard]] QString selectedText() const;
     void copySelection() const;

@@ -91,6 +91,7 @@ void frmAddMeal::cmdSearch_Click()
         foundLines_.addItem(food.description);
     if (found_.isEmpty())
         foundLines_.addItem(QStringLiteral("No Results for - ") + text);
+    ui_.lstSearch->setCurrentIndex({}); // not the first by itself, so that the first arrow key selects it
 }
 
 void frmAddMeal::lstSearch_Click()
@@ -122,7 +123,7 @@ void frmAddMeal::txtQuantity_LostFocus()
 {
     // Where the user clicked into the list, it must not move below the pointer.
     ui_.lstMeal->setAutoScroll(!ui_.lstMeal->hasFocus());
-    selectLine(static_cast<int>(sheet_.lines().size()) - 1);
+    ui_.lstMeal->selectOnly(static_cast<int>(sheet_.lines().size()) - 1);
     ui_.lstMeal->setAutoScroll(true);
 }
 
@@ -279,7 +280,7 @@ void frmAddMeal::AddIngredient(const QString& strQty, qint32 lngNDBNo)
 void frmAddMeal::UpdateMenuListQty(double dblFactor, int intSel)
 {
     meals::UpdateMenuListQty(sheet_, world_.state.strPath, dblFactor, intSel);
-    selectLine(intSel);
+    ui_.lstMeal->selectOnly(intSel);
 }
 
 /// Says why the meal may not be saved, and gives the focus to the control to blame.
@@ -337,12 +338,6 @@ std::optional<int> frmAddMeal::selectedFoodLine() const
 {
     const std::optional<int> line = selectedLine();
     return line && sheet_.isFoodLine(*line) ? line : std::nullopt;
-}
-
-void frmAddMeal::selectLine(int line)
-{
-    lines_.showAdded();
-    ui_.lstMeal->setCurrentIndex(lines_.index(line));
 }
 
 void frmAddMeal::connectHandlers()

@@ -67,7 +67,6 @@ private:
     [[nodiscard]] qint32 chosenFood() const;
     [[nodiscard]] std::optional<int> selectedLine() const;
     [[nodiscard]] std::optional<int> selectedFoodLine() const;
-    void selectLine(int line);
     void showMenuAtSelectedLine();
 
     MealSurroundings world_;

@@ -16,8 +16,8 @@ namespace meals {
 namespace {
 
 constexpr int kGap = 12; ///< between groups of controls
-constexpr int kSearchShare = 1;
-constexpr int kMealShare = 2; ///< of the form's width
+constexpr int kSearchShare = 2;
+constexpr int kMealShare = 5; ///< of the form's width
 constexpr int kQuantityCharacters = 9;
 constexpr int kDateCharacters = 12;
 constexpr int kTimeCharacters = 7;

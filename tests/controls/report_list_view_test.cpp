@@ -67,6 +67,20 @@ TEST_F(ReportListViewTest, AClickSelectsOneLine)
     EXPECT_THAT(view.selectedLines(), ElementsAre(4));
 }
 
+TEST_F(ReportListViewTest, SelectOnlySelectsALineJustAddedAndBringsItIntoSight)
+{
+    addLines(10);
+    click(2);
+    for (int line = 10; line < 100; ++line)
+        list.addItem(QStringLiteral("line\t%1").arg(line));
+    view.selectOnly(99);
+    EXPECT_THAT(view.selectedLines(), ElementsAre(99));
+    EXPECT_TRUE(view.viewport()->rect().contains(view.visualRect(model.index(99))));
+    view.selectOnly(0);
+    EXPECT_THAT(view.selectedLines(), ElementsAre(0));
+    EXPECT_EQ(view.topIndex(), 0);
+}
+
 TEST_F(ReportListViewTest, ShiftAndAClickSelectTheLinesBetween)
 {
     addLines(10);

@@ -1,8 +1,11 @@
 #include "meals/food.h"
 
 #include "data/database.h"
+#include "jet/database.h"
 #include "meals/known_foods.h"
 #include "runtime/run_time_error.h"
+
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -130,6 +133,20 @@ TEST(FoodSearch, ADiaryThatIsNotThereKeepsItsOwnHint)
         ADD_FAILURE() << "it was found";
     } catch (const runtime::RunTimeError& error) {
         EXPECT_EQ(error.number(), 3024);
+        EXPECT_THAT(error.hint().toStdString(), testing::Not(testing::HasSubstr("apostrophe")));
+    }
+}
+
+TEST(FoodSearch, ADiaryWithoutTheFoodTableKeepsItsOwnHint)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("Nutrition.mdb"));
+    jet::Database::create(jet::posixFileSystem(), path.toStdString(), jet::DateTime{46000});
+    try {
+        static_cast<void>(searchFoods(path, QStringLiteral("it''s")));
+        ADD_FAILURE() << "it was searched";
+    } catch (const runtime::RunTimeError& error) {
+        EXPECT_EQ(error.number(), 3078);
         EXPECT_THAT(error.hint().toStdString(), testing::Not(testing::HasSubstr("apostrophe")));
     }
 }
