@@ -17,6 +17,9 @@ class MealSheet
 {
 public:
     MealSheet();
+    // Not copied: who shows the lines listens to those of one sheet.
+    MealSheet(const MealSheet&) = delete;
+    MealSheet& operator=(const MealSheet&) = delete;
 
     [[nodiscard]] const reports::ReportList& lines() const { return lines_; }
     [[nodiscard]] reports::ReportList& lines() { return lines_; } ///< for who shows them
