@@ -6,6 +6,7 @@
 #include <QPagedPaintDevice>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace printing {
@@ -14,6 +15,10 @@ namespace {
 /// Reports put a date with its time between columns that are 2000 twips apart: at this size it fits in bold too.
 constexpr double kPointSize = 8;
 constexpr double kCharactersPerTab = 8;
+/// In twips, between a column that had to be made narrower and the next.
+constexpr double kGap = 40;
+/// What is narrower than half its width cannot be read; it rather runs over what follows.
+constexpr double kNarrowest = 0.5;
 
 QFont font(const TextStyle& style)
 {
@@ -63,6 +68,11 @@ QString withoutControls(QString text)
     return text;
 }
 
+struct Piece {
+    QString text;
+    double offset; ///< in dots, from the left end of the line
+};
+
 class PagePainter
 {
 public:
@@ -71,21 +81,54 @@ public:
     {
     }
 
-    void draw(const PlacedText& mark)
+    void draw(const Page& page)
+    {
+        for (auto mark = page.begin(); mark != page.end(); ++mark) {
+            if (const auto* text = std::get_if<PlacedText>(&*mark))
+                draw(*text, roomFor(*text, mark + 1, page.end()));
+            else
+                draw(std::get<PlacedPicture>(*mark));
+        }
+    }
+
+private:
+    /// In dots: to the next text on the line, or else to the end of the printable area.
+    [[nodiscard]] double roomFor(const PlacedText& text, Page::const_iterator next, Page::const_iterator end) const
+    {
+        for (; next != end; ++next) {
+            const auto* other = std::get_if<PlacedText>(&*next);
+            if (other == nullptr || other->corner.y() != text.corner.y() || other->corner.x() <= text.corner.x())
+                break;
+            if (!other->text.trimmed().isEmpty())
+                return (other->corner.x() - text.corner.x() - kGap) * scale_.across;
+        }
+        return device_.width() - text.corner.x() * scale_.across;
+    }
+
+    /// A text that is too wide for its room is made narrower as a whole.
+    void draw(const PlacedText& mark, double room)
     {
         const QFont styled = font(mark.style);
         const QFontMetricsF metrics(styled, &device_);
         const double tab = kCharactersPerTab * plain_.averageCharWidth();
-        const double left = mark.corner.x() * scale_.across;
-        const double baseline = mark.corner.y() * scale_.down + plain_.ascent();
+        QList<Piece> pieces;
+        double width = 0;
+        double offset = 0;
+        for (const QString& text : withoutControls(mark.text).split(u'\t')) {
+            pieces.append({text, offset});
+            width = offset + metrics.horizontalAdvance(text);
+            offset = (std::floor(width / tab) + 1) * tab;
+        }
 
+        painter_.save();
+        painter_.translate(mark.corner.x() * scale_.across, mark.corner.y() * scale_.down + plain_.ascent());
+        if (width > room)
+            painter_.scale(std::max(room / width, kNarrowest), 1);
         painter_.setFont(styled);
         painter_.setPen(pure(mark.style.colour));
-        double offset = 0;
-        for (const QString& piece : withoutControls(mark.text).split(u'\t')) {
-            painter_.drawText(QPointF(left + offset, baseline), piece);
-            offset = (std::floor((offset + metrics.horizontalAdvance(piece)) / tab) + 1) * tab;
-        }
+        for (const Piece& piece : pieces)
+            painter_.drawText(QPointF(piece.offset, 0), piece.text);
+        painter_.restore();
     }
 
     void draw(const PlacedPicture& mark)
@@ -95,7 +138,6 @@ public:
         painter_.drawImage(place, mark.image);
     }
 
-private:
     QPainter& painter_;
     QPagedPaintDevice& device_;
     Scale scale_;
@@ -121,8 +163,7 @@ bool paintPages(QPagedPaintDevice& device, const Pages& pages)
     for (auto marks = pages.begin(); marks != pages.end(); ++marks) {
         if (marks != pages.begin() && !device.newPage())
             return false;
-        for (const Mark& mark : *marks)
-            std::visit([&page](const auto& each) { page.draw(each); }, mark);
+        page.draw(*marks);
     }
     return painter.end();
 }

@@ -111,6 +111,49 @@ TEST_F(PdfPage, ThePrintableAreaIsAnA4PageWithinMarginsOfTwelveMillimetres)
     EXPECT_NEAR(printer_->scaleHeight() / kTwipsPerPoint, kPaperHeight - 2 * kMargin, 1);
 }
 
+TEST_F(PdfPage, ATextTooWideForItsColumnIsMadeNarrowerAndKeepsItsLetters)
+{
+    put(0, 0, QStringLiteral("Beef,ground,crumbles,cooked,pan-browned-1"));
+    put(9000, 0, QStringLiteral("far"));
+    put(0, 400, QStringLiteral("Beef,ground,crumbles,cooked,pan-browned-2"));
+    put(2500, 400, QStringLiteral("202.7"));
+    printer_->endDocument();
+
+    EXPECT_GT(word(QStringLiteral("Beef,ground,crumbles,cooked,pan-browned-1")).box.width(), 2500 / kTwipsPerPoint);
+    const pdf_reading::Word narrowed = word(QStringLiteral("Beef,ground,crumbles,cooked,pan-browned-2"));
+    EXPECT_NEAR(narrowed.box.left(), kMargin, kNear);
+    EXPECT_NEAR(narrowed.box.right(), kMargin + (2500 - 40) / kTwipsPerPoint, kNear);
+    EXPECT_NEAR(word(QStringLiteral("202.7")).box.left(), kMargin + 2500 / kTwipsPerPoint, kNear);
+}
+
+TEST_F(PdfPage, ATextTooWideForTheLastColumnStaysInThePrintableArea)
+{
+    put(9500, 0, QStringLiteral("took-two-biscuits"));
+    printer_->endDocument();
+    EXPECT_NEAR(word(QStringLiteral("took-two-biscuits")).box.right(), kPaperWidth - kMargin, 1);
+}
+
+TEST_F(PdfPage, AnEmptyColumnLeavesItsRoomToTheTextBeforeIt)
+{
+    put(0, 0, QStringLiteral("description-1"));
+    put(500, 0, QString());
+    put(4000, 0, QStringLiteral("12"));
+    put(0, 400, QStringLiteral("description-2"));
+    printer_->endDocument();
+    EXPECT_NEAR(word(QStringLiteral("description-1")).box.width(), word(QStringLiteral("description-2")).box.width(),
+                kNear);
+}
+
+TEST_F(PdfPage, NoTextIsMadeNarrowerThanHalfItsWidth)
+{
+    put(0, 0, QStringLiteral("description-1"));
+    put(200, 0, QStringLiteral("12"));
+    put(0, 400, QStringLiteral("description-2"));
+    printer_->endDocument();
+    EXPECT_NEAR(word(QStringLiteral("description-1")).box.width(),
+                word(QStringLiteral("description-2")).box.width() / 2, kNear);
+}
+
 TEST_F(PdfPage, TextAt1440TwipsStandsAnInchFromThePrintableAreasLeftEdge)
 {
     put(0, 0, QStringLiteral("edge"));
