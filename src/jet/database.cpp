@@ -3,6 +3,8 @@
 #include "jet/catalogue_writer.h"
 #include "jet/change.h"
 #include "jet/check.h"
+#include "jet/disk/set_aside.h"
+#include "jet/disk/unfinished_file.h"
 #include "jet/format/at_page.h"
 #include "jet/format/header_page.h"
 #include "jet/format/text_key.h"
@@ -41,11 +43,12 @@ namespace {
 class Database::Implementation
 {
 public:
-    Implementation(FileSystem& fileSystem, const std::string& path, OpenMode mode)
-        : pager(fileSystem, path, mode), catalogue(pager, systemPagesOf(pager))
+    Implementation(FileSystem& files, const std::string& path, OpenMode mode)
+        : fileSystem(files), pager(files, path, mode), catalogue(pager, systemPagesOf(pager))
     {
     }
 
+    FileSystem& fileSystem;
     Pager pager;
     Catalogue catalogue;
     std::map<Bytes, std::unique_ptr<TableHandle>> handles; ///< by folded name
@@ -212,6 +215,38 @@ bool Database::inTransaction() const
 std::vector<Fault> Database::check()
 {
     return checkFile(implementation_->pager);
+}
+
+// --- Safekeeping ---
+
+void Database::copyTo(const std::string& path)
+{
+    const ReadGuard guard(implementation_->pager);
+    requireFreePath(implementation_->fileSystem, path);
+    UnfinishedFile copy(implementation_->fileSystem, path);
+    implementation_->pager.copyTo(copy);
+    copy.finish();
+}
+
+void Database::replaceByCopyOf(Database& other)
+{
+    Pager& pager = implementation_->pager;
+    UnfinishedFile copy(implementation_->fileSystem, pager.resolvedPath());
+    {
+        const ReadGuard guard(other.implementation_->pager);
+        other.implementation_->pager.copyTo(copy);
+    }
+    pager.replaceBy(copy.path());
+}
+
+void Database::copyOver(const std::string& path, const std::string& aside)
+{
+    FileSystem& fileSystem = implementation_->fileSystem;
+    const ReadGuard guard(implementation_->pager);
+    UnfinishedFile copy(fileSystem, path);
+    implementation_->pager.copyTo(copy);
+    setAside(fileSystem, path, aside);
+    copy.finish();
 }
 
 } // namespace jet

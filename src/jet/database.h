@@ -35,7 +35,8 @@ public:
     [[nodiscard]] static std::unique_ptr<Database> open(FileSystem& fileSystem, const std::string& path,
                                                         OpenMode mode = OpenMode::ReadWrite);
     /// Makes a file with the system tables and nothing else. Throws FileExists. `now` becomes the date of creation.
-    [[nodiscard]] static std::unique_ptr<Database> create(FileSystem& fileSystem, const std::string& path, DateTime now);
+    [[nodiscard]] static std::unique_ptr<Database> create(FileSystem& fileSystem, const std::string& path,
+                                                          DateTime now);
 
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -71,6 +72,20 @@ public:
     /// The full structural check: every page owned once, usage maps against pages, row directories, index order and
     /// completeness both ways, counters, catalogue, relationships. Empty when the file is sound. Reads the whole file.
     [[nodiscard]] std::vector<Fault> check();
+
+    // --- The file as a whole: safekeeping ---
+
+    /// Makes a copy, byte for byte, of the file as it is now, with what it holds of damage. Whoever may use the file
+    /// may use the copy. It appears under its name when it is durable and was read back. Throws FileExists,
+    /// InvalidArgument in a transaction that has changed something.
+    void copyTo(const std::string& path);
+    /// Puts a copy of the other file in the place of this one. Requires a transaction that has changed nothing, and
+    /// ends it. When it throws, the file is the old one or the new one, whole. Afterwards the database is to be opened
+    /// again: this one, and every other connection to the old file, gives an error that says so.
+    void replaceByCopyOf(Database& other);
+    /// Puts a copy of this file where a file is that cannot be opened, or none. What is there keeps its bytes under the
+    /// name `aside`, in the same folder, with its journal. Throws Locked, FileExists where the name aside is taken.
+    void copyOver(const std::string& path, const std::string& aside);
 
 private:
     class Implementation;

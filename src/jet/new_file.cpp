@@ -1,7 +1,7 @@
 #include "jet/new_file.h"
 
 #include "jet/catalogue_writer.h"
-#include "jet/disk/journal.h"
+#include "jet/disk/unfinished_file.h"
 #include "jet/format/header_page.h"
 #include "jet/new_table.h"
 #include "jet/store/index_tree.h"
@@ -115,49 +115,17 @@ void fillNewFile(Pager& pager, DateTime now)
     pager.commit();
 }
 
-/// Of an attempt that failed or was cut short.
-void removeLeftovers(FileSystem& fileSystem, const std::string& unfinished)
-{
-    const Journal journal(fileSystem, unfinished);
-    for (const std::string& leftover : {unfinished, journal.path(), journal.unfinishedPath()}) {
-        if (fileSystem.exists(leftover)) {
-            fileSystem.remove(leftover);
-        }
-    }
-}
-
-void requireFreePath(FileSystem& fileSystem, const std::string& path)
-{
-    if (fileSystem.exists(path)) {
-        throw Error(ErrorCode::FileExists, "There is a file already at " + path);
-    }
-    if (const Journal journal(fileSystem, path); journal.isThere()) {
-        throw Error(ErrorCode::JournalDamaged,
-                    "There is a journal at " + journal.path() + " of a file that is not there any more");
-    }
-}
-
 } // namespace
 
 void makeFile(FileSystem& fileSystem, const std::string& path, DateTime now)
 {
     requireFreePath(fileSystem, path);
-    const std::string unfinished = path + ".new";
-    removeLeftovers(fileSystem, unfinished);
-    try {
-        Pager pager(fileSystem, unfinished, OpenMode::Create);
+    UnfinishedFile file(fileSystem, path);
+    {
+        Pager pager(fileSystem, file.path(), OpenMode::Create);
         fillNewFile(pager, now);
-    } catch (...) {
-        try {
-            removeLeftovers(fileSystem, unfinished);
-        } catch (const Error&) {
-            // The first error tells more; the next attempt removes what is left.
-        }
-        throw;
     }
-    requireFreePath(fileSystem, path);
-    fileSystem.rename(unfinished, path);
-    fileSystem.syncFolderOf(path);
+    file.finish();
 }
 
 } // namespace jet

@@ -4,6 +4,7 @@
 #include "jet/disk/journal.h"
 #include "jet/disk/page_cache.h"
 #include "jet/disk/page_changes.h"
+#include "jet/disk/unfinished_file.h"
 
 #include <algorithm>
 #include <cassert>
@@ -42,14 +43,16 @@ class Pager::Implementation
 {
 public:
     Implementation(FileSystem& fileSystem, std::string path, OpenMode mode, PagerOptions options)
-        : path_(std::move(path)), patience_(options.patience), file_(fileSystem.open(path_, mode)),
-          journal_(fileSystem, fileSystem.resolve(path_)), cache_(options.cachedPages)
+        : fileSystem_(&fileSystem), path_(std::move(path)), patience_(options.patience),
+          file_(fileSystem.open(path_, mode)), resolvedPath_(fileSystem.resolve(path_)),
+          journal_(fileSystem, resolvedPath_), cache_(options.cachedPages)
     {
         beginRead();
         endRead();
     }
 
     [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] const std::string& resolvedPath() const { return resolvedPath_; }
     [[nodiscard]] bool isReadOnly() const { return file_->isReadOnly(); }
     [[nodiscard]] PageNumber pageCount() const { return inTransaction() ? changes_.pageCount() : filePages_; }
     [[nodiscard]] std::uint64_t generation() const { return generation_; }
@@ -195,6 +198,34 @@ public:
     {
         requireSavepoint(savepoint);
         changes_.release(savepoint);
+    }
+
+    void copyTo(UnfinishedFile& copy)
+    {
+        requireNotFailed();
+        if (state_ == State::Idle || !changes_.empty()) {
+            throw Error(ErrorCode::InvalidArgument, "A file is copied as it is on the disk, within a read");
+        }
+        copy.copyFrom(*file_, resolvedPath_);
+    }
+
+    void replaceBy(const std::string& path)
+    {
+        requireTransaction();
+        if (!changes_.empty()) {
+            throw Error(ErrorCode::InvalidArgument, "A file that is to be replaced was changed");
+        }
+        try {
+            file_->lock(LockLevel::Exclusive, patience_);
+            // A journal that went not yet durably must not come back beside the other file.
+            fileSystem_->syncFolderOf(resolvedPath_);
+            fileSystem_->rename(path, resolvedPath_);
+            fileSystem_->syncFolderOf(resolvedPath_);
+        } catch (...) {
+            rollback();
+            throw;
+        }
+        rollback();
     }
 
 private:
@@ -420,9 +451,11 @@ private:
 #endif
     }
 
+    FileSystem* fileSystem_;
     std::string path_;
     std::chrono::milliseconds patience_;
     std::unique_ptr<File> file_;
+    std::string resolvedPath_;
     Journal journal_;
 
     State state_ = State::Idle;
@@ -507,6 +540,18 @@ void Pager::rollbackTo(Savepoint savepoint)
 void Pager::release(Savepoint savepoint)
 {
     implementation_->release(savepoint);
+}
+void Pager::copyTo(UnfinishedFile& copy)
+{
+    implementation_->copyTo(copy);
+}
+void Pager::replaceBy(const std::string& path)
+{
+    implementation_->replaceBy(path);
+}
+const std::string& Pager::resolvedPath() const
+{
+    return implementation_->resolvedPath();
 }
 
 } // namespace jet

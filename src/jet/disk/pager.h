@@ -36,6 +36,8 @@
 
 namespace jet {
 
+class UnfinishedFile;
+
 struct PagerOptions {
     /// How long to wait for a lock that another program holds before giving up with Locked.
     std::chrono::milliseconds patience{2000};
@@ -96,6 +98,17 @@ public:
     void rollbackTo(Savepoint savepoint);
     /// Forgets the savepoint and those made after it; the changes stay.
     void release(Savepoint savepoint);
+
+    // The file as a whole. Both require a transaction that has changed nothing yet, the first may do with a read.
+
+    /// Fills a file in the making with the bytes of this one as they are, part of a page at their end included.
+    void copyTo(UnfinishedFile& copy);
+    /// Puts a finished and durable file, in the same folder, in the place of this one, while no other connection has
+    /// it; ends the transaction. Durable when it returns. When it throws, the one or the other file is there, whole.
+    /// From then on this pager and all others that have the old file say that it was replaced.
+    void replaceBy(const std::string& path);
+    /// The path with links resolved: the name that replaceBy() gives.
+    [[nodiscard]] const std::string& resolvedPath() const;
 
 private:
     class Implementation;

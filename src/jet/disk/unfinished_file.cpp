@@ -1,0 +1,78 @@
+#include "jet/disk/unfinished_file.h"
+
+#include "jet/disk/file_content.h"
+#include "jet/disk/journal.h"
+#include "jet/disk/pager.h"
+
+namespace jet {
+
+void requireFreePath(FileSystem& fileSystem, const std::string& path)
+{
+    if (fileSystem.exists(path)) {
+        throw Error(ErrorCode::FileExists, "There is a file already at " + path);
+    }
+    if (const Journal journal(fileSystem, path); journal.isThere()) {
+        throw Error(ErrorCode::JournalDamaged,
+                    "There is a journal at " + journal.path() + " of a file that is not there any more");
+    }
+}
+
+UnfinishedFile::UnfinishedFile(FileSystem& fileSystem, std::string finalPath)
+    : fileSystem_(&fileSystem), finalPath_(std::move(finalPath)), path_(finalPath_ + ".new")
+{
+    removeLeftovers();
+}
+
+UnfinishedFile::~UnfinishedFile()
+{
+    if (finished_) {
+        return;
+    }
+    try {
+        if (copy_ == nullptr || copy_->isInPlace()) {
+            copy_.reset();
+            removeLeftovers();
+        }
+    } catch (...) {
+        return; // the next attempt removes what is left
+    }
+}
+
+void UnfinishedFile::copyFrom(File& file, const std::string& model)
+{
+    copy_ = fileSystem_->createLike(path_, model);
+    copy_->lock(LockLevel::Exclusive, Pager::kPatience);
+    copyContent(file, *copy_);
+    const std::unique_ptr<File> found = fileSystem_->open(path_, OpenMode::ReadOnly);
+    if (!copy_->isInPlace() || !haveSameContent(file, *found)) {
+        throw Error(ErrorCode::Io, "The copy at " + path_ + " does not read as what was written");
+    }
+}
+
+void UnfinishedFile::finish()
+{
+    requireFreePath(*fileSystem_, finalPath_);
+    if (copy_ != nullptr && !copy_->isInPlace()) {
+        throw Error(ErrorCode::Io, "The file " + path_ + " was moved or removed before it was finished");
+    }
+    fileSystem_->rename(path_, finalPath_);
+    finished_ = true;
+    fileSystem_->syncFolderOf(finalPath_);
+}
+
+void UnfinishedFile::removeLeftovers()
+{
+    const Journal journal(*fileSystem_, path_);
+    if (fileSystem_->exists(path_)) {
+        const std::unique_ptr<File> leftover = fileSystem_->open(path_, OpenMode::ReadOnly);
+        leftover->lock(LockLevel::Shared, Pager::kPatience);
+        fileSystem_->remove(path_);
+    }
+    for (const std::string& leftover : {journal.path(), journal.unfinishedPath()}) {
+        if (fileSystem_->exists(leftover)) {
+            fileSystem_->remove(leftover);
+        }
+    }
+}
+
+} // namespace jet

@@ -1,0 +1,45 @@
+// Files that appear under their name when they are whole.
+//
+// Such a file is written under its name with ".new" behind it and renamed when it is durable. What stands under the
+// second name is the remains of an attempt that was cut short; nothing depends on it, and the next attempt removes it.
+#pragma once
+
+#include "jet/disk/file.h"
+
+#include <string>
+
+namespace jet {
+
+/// Throws FileExists where there is a file at the path, and JournalDamaged where there is a journal of one: whoever
+/// opened a new file there would take it for the new file's.
+void requireFreePath(FileSystem& fileSystem, const std::string& path);
+
+class UnfinishedFile
+{
+public:
+    /// Removes what an earlier attempt left; throws Locked where that attempt is still at work.
+    UnfinishedFile(FileSystem& fileSystem, std::string finalPath);
+    UnfinishedFile(const UnfinishedFile&) = delete;
+    UnfinishedFile& operator=(const UnfinishedFile&) = delete;
+    /// Removes the file when it still has this name.
+    ~UnfinishedFile();
+
+    /// Where to write the file.
+    [[nodiscard]] const std::string& path() const { return path_; }
+    /// Makes it a copy of the file, byte for byte, that whoever may use the model may use as well; durable, and read
+    /// back. The caller holds a lock on the file that keeps it as it is.
+    void copyFrom(File& file, const std::string& model);
+    /// Gives the file its name, durably. Throws what requireFreePath does: nothing is ever overwritten.
+    void finish();
+
+private:
+    void removeLeftovers();
+
+    FileSystem* fileSystem_;
+    std::string finalPath_;
+    std::string path_;
+    std::unique_ptr<File> copy_; ///< held for as long as this lives, so that no other attempt takes it for remains
+    bool finished_ = false;
+};
+
+} // namespace jet
