@@ -1,6 +1,7 @@
 #include "meals/food.h"
 
 #include "data/database.h"
+#include "reports/shown_description.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
 
@@ -19,7 +20,7 @@ double nutrient(const data::Recordset& food, const QString& column)
 
 QString descriptionOf(const data::Recordset& food)
 {
-    return shownDescription(runtime::toText(food.value(QStringLiteral("Shrt_Desc"))));
+    return reports::shownDescription(runtime::toText(food.value(QStringLiteral("Shrt_Desc"))));
 }
 
 qint32 numberOf(const data::Recordset& food)
@@ -69,11 +70,6 @@ Nutrients Nutrients::times(double factor) const
     return {carbohydrate * factor, fat * factor, protein * factor, energy * factor, cholesterol * factor};
 }
 
-QString shownDescription(const QString& stored)
-{
-    return stored.left(1) + stored.mid(1).toLower();
-}
-
 Food foodNumbered(const QString& diaryPath, qint32 number)
 {
     data::Database database(diaryPath);
@@ -81,8 +77,7 @@ Food foodNumbered(const QString& diaryPath, qint32 number)
         QStringLiteral("Select * from NutritionalInformation where NDB_No = ") + QString::number(number));
     if (row.eof()) {
         throw RunTimeError(ErrorNumber::NoCurrentRecord)
-            .withHint(number == 0 ? QStringLiteral("No food is chosen: select one of the foods that the search found.")
-                                  : QStringLiteral("The food table has no food of the number %1.").arg(number));
+            .withHint(QStringLiteral("The food table has no food of the number %1.").arg(number));
     }
     row.moveFirst();
     Food food;

@@ -23,10 +23,6 @@ struct Food {
     Nutrients in100Grams; ///< what the table leaves open counts as 0
 };
 
-/// A description as stored ("BUTTER,WITH SALT") as it is shown: its first character unchanged, the rest in small
-/// letters.
-[[nodiscard]] QString shownDescription(const QString& stored);
-
 /// 3021 when there is no food of that number.
 [[nodiscard]] Food foodNumbered(const QString& diaryPath, qint32 number);
 

@@ -221,6 +221,7 @@ void frmAddMeal::cmdModifyOldMeal_Click()
     for (QWidget* control : std::initializer_list<QWidget*>{ui_.lblDate, ui_.txtDate, ui_.lblTime, ui_.txtTime})
         control->setEnabled(false);
     if (meal) {
+        lngOldMealToDelete = 0; // where fetching fails, no meal chosen before may be replaced by what is composed next
         fetchMeal(*meal);
         lngOldMealToDelete = meal->number;
     }
@@ -321,11 +322,15 @@ std::optional<int> frmAddMeal::mealType() const
 qint32 frmAddMeal::chosenFood() const
 {
     const QList<int> chosen = ui_.lstSearch->selectedLines();
+    const auto noneIsChosen = [](runtime::ErrorNumber number) {
+        return runtime::RunTimeError(number).withHint(
+            QStringLiteral("No food is chosen: search for one and choose it in the list. Nothing was added."));
+    };
     if (chosen.isEmpty())
-        throw runtime::RunTimeError(runtime::ErrorNumber::SubscriptOutOfRange)
-            .withHint(
-                QStringLiteral("No food is chosen: search for one and choose it in the list. Nothing was added."));
-    return found_.value(chosen.first()).number; // 0 for the line that tells of no results
+        throw noneIsChosen(runtime::ErrorNumber::SubscriptOutOfRange);
+    if (found_.isEmpty()) // the line says that there are no results
+        throw noneIsChosen(runtime::ErrorNumber::NoCurrentRecord);
+    return found_.at(chosen.first()).number;
 }
 
 std::optional<int> frmAddMeal::selectedLine() const

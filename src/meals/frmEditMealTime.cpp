@@ -2,7 +2,7 @@
 
 #include "controls/data_control.h"
 #include "controls/event_handlers.h"
-#include "meals/meal_storage.h"
+#include "meals/meal_type.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -3,6 +3,7 @@
 #include "controls/event_handlers.h"
 #include "controls/report_list_model.h"
 #include "controls/report_list_view.h"
+#include "meals/meal_type.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>

@@ -1,6 +1,7 @@
 #include "meals/insulin_caption.h"
 
 #include "meals/meal_sheet.h"
+#include "meals/meal_type.h"
 #include "runtime/conversions.h"
 #include "runtime/format.h"
 

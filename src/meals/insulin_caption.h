@@ -10,8 +10,6 @@ namespace meals {
 
 class MealSheet;
 
-inline constexpr int kSnack = 4; ///< the meal type that may go without insulin
-
 /// The caption after the dose was changed, "Insulin 12.50 gms/unit....": never narrower than the one before, at least
 /// one dot longer than its text. For a snack the caption before with more dots; without a dose, a food or a meal type
 /// "Insulin " and dots. None when the dose is no number: the caption stays.

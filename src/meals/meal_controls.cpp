@@ -1,7 +1,7 @@
 #include "meals/meal_controls.h"
 
 #include "controls/report_list_view.h"
-#include "meals/meal_storage.h"
+#include "meals/meal_type.h"
 
 #include <QComboBox>
 #include <QDialog>

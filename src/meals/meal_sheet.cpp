@@ -1,5 +1,6 @@
 #include "meals/meal_sheet.h"
 
+#include "reports/nutrient_totals.h"
 #include "runtime/conversions.h"
 #include "runtime/format.h"
 #include "runtime/run_time_error.h"
@@ -17,11 +18,6 @@ using runtime::RunTimeError;
 
 constexpr int kFirstFoodLine = 2; // below the heading and an empty line
 constexpr int kClosingLines = 3;  // below the last food
-
-// kCal in a gram.
-constexpr double kCarbohydrateEnergy = 4;
-constexpr double kFatEnergy = 9;
-constexpr double kProteinEnergy = 4;
 
 QString oneDecimal(double number)
 {
@@ -64,10 +60,12 @@ QString gramsLine(const Nutrients& total)
 
 QString energyLine(const Nutrients& total)
 {
+    const reports::EnergySplit energy(
+        {.carbohydrate = total.carbohydrate, .protein = total.protein, .fat = total.fat, .energy = total.energy});
     return QStringList{QStringLiteral("Total kCal ") + oneDecimal(total.energy) + QStringLiteral(" Cholestrol - ") +
                            oneDecimal(total.cholesterol),
-                       share(total.carbohydrate * kCarbohydrateEnergy, total.energy),
-                       share(total.fat * kFatEnergy, total.energy), share(total.protein * kProteinEnergy, total.energy)}
+                       share(energy.carbohydrate, total.energy), share(energy.fat, total.energy),
+                       share(energy.protein, total.energy)}
         .join(u'\t');
 }
 

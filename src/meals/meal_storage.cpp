@@ -1,8 +1,8 @@
 #include "meals/meal_storage.h"
 
 #include "data/database.h"
-#include "meals/insulin_caption.h"
 #include "meals/meal_sheet.h"
+#include "meals/meal_type.h"
 #include "runtime/conversions.h"
 #include "runtime/format.h"
 #include "runtime/run_time_error.h"
@@ -88,15 +88,6 @@ StoredMeal mealIn(const data::Recordset& meals)
 }
 
 } // namespace
-
-const QList<MealType>& mealTypes()
-{
-    static const QList<MealType> types = {{1, QStringLiteral("Breakfast")},
-                                          {2, QStringLiteral("Lunch")},
-                                          {3, QStringLiteral("Dinner")},
-                                          {kSnack, QStringLiteral("Snack")}};
-    return types;
-}
 
 QString textOf(Refusal refusal)
 {

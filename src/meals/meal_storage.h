@@ -12,14 +12,6 @@ namespace meals {
 
 class MealSheet;
 
-struct MealType {
-    int code = 0;
-    QString name;
-};
-
-/// Breakfast, Lunch, Dinner, Snack, with the codes that are stored.
-[[nodiscard]] const QList<MealType>& mealTypes();
-
 /// What the meal builder's controls hold beside the sheet; texts as typed.
 struct MealEntry {
     QString date;

@@ -5,6 +5,7 @@
 #include "reports/diary_totals.h"
 #include "reports/modDisp.h"
 #include "reports/modTabs.h"
+#include "reports/shown_description.h"
 #include "runtime/conversions.h"
 #include "runtime/format.h"
 #include "runtime/run_time_error.h"
@@ -182,12 +183,11 @@ private:
 
     void AddFoodToDisplay()
     {
-        const QString description = textOf(meals_, "Desc");
         const Value grams = fieldOf(meals_, "Quantity");
         const auto portion = [&](const char* nutrient) {
             return oneDecimal(portionOf(fieldOf(meals_, nutrient), grams));
         };
-        addColumns({QString(), description.left(1) + description.mid(1).toLower(), portion("kCal"), portion("Carb"),
+        addColumns({QString(), shownDescription(textOf(meals_, "Desc")), portion("kCal"), portion("Carb"),
                     portion("Fat"), portion("Prot"), oneDecimal(grams)});
     }
 

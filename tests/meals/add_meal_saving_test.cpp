@@ -290,6 +290,23 @@ TEST_F(AddMealSaving, AnOldMealWithoutFoodsFailsAndIsNotReplaced)
     EXPECT_THAT(meals(), SizeIs(2));
 }
 
+TEST_F(AddMealSaving, AFailedModificationDoesNotReplaceTheMealChosenBefore)
+{
+    compose();
+    save();
+    type("txtDate", "01/03/2024"); // the older one: second in the list
+    type("txtQuantity", "0");
+    list("lstMeal").setCurrentIndex(list("lstMeal").model()->index(2, 0));
+    type("txtQuantity", "0");
+    save(); // without foods
+    fetch("cmdModifyOldMeal", 0);
+    expectError("Run-time error '3021':");
+    fetch("cmdModifyOldMeal", 1);
+    add("rice", "150");
+    save();
+    EXPECT_THAT(meals(), SizeIs(3)) << "none is replaced";
+}
+
 TEST_F(AddMealSaving, WithoutAnOldMealTheSelectionDoesNotOpen)
 {
     expectError("Run-time error '3021':\n\nNo current record.\n\nThere is no stored meal yet.");

@@ -1,6 +1,8 @@
 // Composing a meal by keys and clicks: finding foods, their quantities, the totals.
 #include "meals/meal_builder.h"
 
+#include "reports/diary_content.h"
+
 #include <QFile>
 
 namespace meals {
@@ -124,6 +126,16 @@ TEST_F(AddMeal, TheLineOfNoResultsCannotBeAdded)
     press(Qt::Key_Return);
     EXPECT_THAT(foodLines(), IsEmpty());
     EXPECT_TRUE(field("txtQuantity").hasFocus());
+}
+
+TEST_F(AddMeal, TheLineOfNoResultsDoesNotStandForAFoodOfTheNumberZero)
+{
+    reports::addFood(foods.path(), 0, {"CAKE", 300, 50, 10, 5});
+    search("zzz");
+    clickLine("lstSearch", 0);
+    expectError("Run-time error '3021':\n\nNo current record.\n\nNo food is chosen");
+    click("cmdAdd");
+    EXPECT_THAT(foodLines(), IsEmpty());
 }
 
 TEST_F(AddMeal, WithoutAChosenFoodNothingIsAdded)

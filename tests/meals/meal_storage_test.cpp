@@ -5,6 +5,7 @@
 #include "jet/database.h"
 #include "meals/exported_table.h"
 #include "meals/meal_sheet.h"
+#include "meals/meal_type.h"
 #include "reports/diary_content.h"
 #include "runtime/locale_in_force.h"
 #include "runtime/run_time_error.h"
