@@ -1,7 +1,7 @@
 // The diaries of meals and insulin in the main window.
 #include "app/main_window.h"
 
-#include "reports/diary_content.h"
+#include "support/diary_content.h"
 
 #include <QApplication>
 

@@ -1,7 +1,7 @@
 // A day as a user goes through it, from the reading before a meal to the printed diary.
 #include "app/main_window.h"
 
-#include "reports/diary_content.h"
+#include "support/diary_content.h"
 
 #include "runtime/conversions.h"
 

@@ -1,5 +1,5 @@
 #include "cli/quillonctl.h"
-#include "reports/diary_content.h"
+#include "support/diary_content.h"
 #include "support/test_diary.h"
 
 #include <gmock/gmock.h>

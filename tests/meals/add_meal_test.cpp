@@ -1,7 +1,7 @@
 // Composing a meal by keys and clicks: finding foods, their quantities, the totals.
 #include "meals/meal_builder.h"
 
-#include "reports/diary_content.h"
+#include "support/diary_content.h"
 
 #include <QFile>
 

@@ -5,8 +5,8 @@
 #include "controls/window_testing.h"
 #include "data/database.h"
 #include "meals/exported_table.h"
-#include "reports/diary_content.h"
 #include "runtime/run_time_error.h"
+#include "support/diary_content.h"
 #include "support/test_diary.h"
 
 #include <QLabel>

@@ -6,9 +6,9 @@
 #include "meals/exported_table.h"
 #include "meals/meal_sheet.h"
 #include "meals/meal_type.h"
-#include "reports/diary_content.h"
 #include "runtime/locale_in_force.h"
 #include "runtime/run_time_error.h"
+#include "support/diary_content.h"
 #include "support/file_size_limit.h"
 #include "support/test_diary.h"
 

@@ -5,8 +5,8 @@
 #include "controls/report_list_view.h"
 #include "controls/window_testing.h"
 #include "data/database.h"
-#include "reports/diary_content.h"
 #include "runtime/run_time_error.h"
+#include "support/diary_content.h"
 #include "support/test_diary.h"
 
 #include <QPushButton>

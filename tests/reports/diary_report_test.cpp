@@ -2,9 +2,9 @@
 
 #include "data/new_diary/diary_schema.h"
 #include "data/new_diary/foods_csv.h"
-#include "diary_content.h"
 #include "jet/database.h"
 #include "report_under_test.h"
+#include "support/diary_content.h"
 
 #include <QTemporaryDir>
 

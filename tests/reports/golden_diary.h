@@ -1,7 +1,7 @@
 // A diary and what reports say of it, written by hand in a file of the folder golden.
 #pragma once
 
-#include "diary_content.h"
+#include "support/diary_content.h"
 
 #include "reports/date_filter.h"
 

@@ -1,4 +1,4 @@
-#include "reports/diary_content.h"
+#include "support/diary_content.h"
 
 #include "data/database.h"
 #include "runtime/conversions.h"
