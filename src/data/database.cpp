@@ -1,5 +1,6 @@
 #include "data/database.h"
 
+#include "data/change_announcement.h"
 #include "data/engine/error_translation.h"
 #include "data/engine/session.h"
 #include "data/language/sql_error.h"
@@ -74,6 +75,7 @@ qsizetype Database::execute(const QString& sql)
 {
     Session& session = *implementation_->session;
     return translating(session.path(), [&] {
+        announceChange(session);
         jet::Database& file = session.database();
         std::optional<jet::Transaction> transaction;
         if (!file.inTransaction()) {
@@ -164,7 +166,10 @@ Database::Reading::~Reading()
 Database::Batch::Batch(Database& database) : database_(&database)
 {
     Session& session = *database.implementation_->session;
-    translating(session.path(), [&] { session.database().begin(); });
+    translating(session.path(), [&] {
+        announceChange(session);
+        session.database().begin();
+    });
 }
 
 Database::Batch::~Batch()

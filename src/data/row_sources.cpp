@@ -1,5 +1,6 @@
 #include "data/row_sources.h"
 
+#include "data/change_announcement.h"
 #include "data/engine/error_translation.h"
 #include "data/engine/session.h"
 #include "data/engine/snapshot.h"
@@ -127,6 +128,7 @@ public:
     void add(const FieldValues& values) override
     {
         translating(session_->path(), [&] {
+            announceChange(*session_);
             const qint64 address = rowIdOf(table().insert(columnValues(values)));
             session_->countChange();
             if (isComplete_) {
@@ -140,6 +142,7 @@ public:
     void change(qsizetype row, const FieldValues& values) override
     {
         translating(session_->path(), [&] {
+            announceChange(*session_);
             readAgain(row);
             forget();
             table().update(addressOf(addresses_[static_cast<std::size_t>(row)]), columnValues(values));

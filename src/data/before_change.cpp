@@ -1,0 +1,37 @@
+#include "data/before_change.h"
+
+#include "data/change_announcement.h"
+#include "data/engine/session.h"
+
+#include <utility>
+
+namespace data {
+namespace {
+
+BeforeChange::Call& installedCall()
+{
+    static BeforeChange::Call call;
+    return call;
+}
+
+} // namespace
+
+BeforeChange::BeforeChange(Call call)
+{
+    installedCall() = std::move(call);
+}
+
+BeforeChange::~BeforeChange()
+{
+    installedCall() = nullptr;
+}
+
+void announceChange(Session& session)
+{
+    const jet::Database& file = session.database();
+    if (installedCall() && !file.inTransaction() && !file.isReadOnly()) {
+        installedCall()(session.path());
+    }
+}
+
+} // namespace data
