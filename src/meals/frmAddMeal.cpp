@@ -43,6 +43,16 @@ const QList<double>& tabStops()
     return stops;
 }
 
+double doseOf(const QString& typed)
+{
+    try {
+        return runtime::toDouble(typed);
+    } catch (const runtime::RunTimeError& error) {
+        throw error.withHint(
+            QStringLiteral("The insulin dose is not a number: type it first, then choose this again."));
+    }
+}
+
 void moveFocusAndSelectAll(QLineEdit& field)
 {
     field.setFocus();
@@ -169,7 +179,7 @@ void frmAddMeal::mnuCarbGoalSeek_Click()
         return;
     }
     const double ratio = runtime::toDouble(answer);
-    const double dose = runtime::toDouble(ui_.txtInsulinDosage->text());
+    const double dose = doseOf(ui_.txtInsulinDosage->text());
     const Food food = foodNumbered(world_.state.strPath, sheet_.foodNumberAt(*line));
     if (const std::optional<double> factor = factorForRatio(sheet_, *line, food, dose, ratio))
         UpdateMenuListQty(*factor, *line);

@@ -222,7 +222,7 @@ TEST_F(GoalSeek, ADoseThatIsNoNumberIsAnErrorAfterTheQuestion)
     type("txtInsulinDosage", "some");
     clickLine("lstMeal", kFirstFood);
     expectQuestion("11.55");
-    expectError("Run-time error '13':");
+    expectError("Run-time error '13':\n\nType mismatch\n\nThe insulin dose is not a number: type it first");
     click("cmdOptimise");
     EXPECT_THAT(foodLines(), ElementsAre("100.0\tRice,white,ckd\t20.0\t1.0\t2.0"));
 }
