@@ -101,7 +101,7 @@ Input read(const std::filesystem::path& path)
 }
 
 /// Changes bytes the way damage and the structures of a page suggest: single bits, numbers at the edge of their range,
-/// pieces copied to another place, an end cut off.
+/// pieces copied to another place, left out or taken from another input, an end cut off.
 class Mutator
 {
 public:
@@ -169,14 +169,22 @@ private:
         case 6: {
             const Input& other = corpus[below(corpus.size())];
             const std::size_t from = other.empty() ? 0 : below(other.size());
-            const std::size_t count = std::min({length, other.size() - from, input.size()});
-            const std::size_t to = std::min(place(input), input.size() - count);
-            std::copy_n(other.begin() + static_cast<std::ptrdiff_t>(from), count, at(to));
+            const Input piece(other.begin() + static_cast<std::ptrdiff_t>(from),
+                              other.begin() + static_cast<std::ptrdiff_t>(std::min(other.size(), from + length)));
+            if (below(2) == 0) {
+                input.insert(at(below(input.size() + 1)), piece.begin(), piece.end());
+            } else {
+                const std::size_t count = std::min(piece.size(), input.size());
+                std::copy_n(piece.begin(), count, at(std::min(place(input), input.size() - count)));
+            }
             break;
         }
         default:
             if (below(4) == 0) {
                 input.resize(below(input.size() + 1));
+            } else if (below(2) == 0) {
+                const std::size_t from = below(input.size() - length + 1);
+                input.erase(at(from), at(from + length));
             } else {
                 const Input copy(at(0), at(length));
                 input.insert(at(below(input.size())), copy.begin(), copy.end());

@@ -1,0 +1,1 @@
+Select * from BloodSugarLevels where BloodSugerLevel between 4 and 8.25 and ReadingTime not between #3/5/2002# and #3/6/2002#

@@ -1,0 +1,1 @@
+Select [a b].[Insulin Dosage] from Meals as [a b] where [unknown] = 1

@@ -1,0 +1,1 @@
+Select #3/5/2002 10:15# - ReadingTime, DateAdd('m', -1, ReadingTime), DateDiff("ww", ReadingTime, Now(), 2), Format(ReadingTime, 'dddd dd mmm yyyy hh:nn') from BloodSugarLevels

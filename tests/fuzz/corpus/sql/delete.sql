@@ -1,0 +1,1 @@
+Delete * from BloodSugarLevels where BloodSugerNo = 2

@@ -1,0 +1,1 @@
+Delete M.* from Meals as M inner join MealContent as C on M.MealNo = C.MealID where C.Quantity > 5

@@ -1,0 +1,1 @@
+Select distinctrow Meals.* from Meals inner join MealContent on Meals.MealNo = MealContent.MealID

@@ -1,0 +1,1 @@
+Select D.q, Count(*) from (Select Quantity as q from MealContent) as D group by D.q

@@ -1,0 +1,1 @@
+Select ReadingType, Count(*), Avg(BloodSugerLevel), StDev(BloodSugerLevel), First(Comment) from BloodSugarLevels group by ReadingType having Count(*) > 0 order by 2

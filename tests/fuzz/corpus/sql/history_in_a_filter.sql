@@ -1,0 +1,1 @@
+Select * from ExcelHistory where [when] > Cdate('1/3/2002') and [when] < Cdate('4/mar/2002 12:00')

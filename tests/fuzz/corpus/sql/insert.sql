@@ -1,0 +1,1 @@
+Insert into Meals (MealNo) values (1)

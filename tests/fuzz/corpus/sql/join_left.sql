@@ -1,0 +1,1 @@
+Select M.MealNo, C.* from Meals as M left join MealContent as C on M.MealNo = C.MealID order by M.MealTime desc, 1

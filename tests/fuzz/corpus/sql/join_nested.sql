@@ -1,0 +1,1 @@
+Select * from (Meals inner join MealContent on Meals.MealNo = MealContent.MealID) right join NutritionalInformation as N on N.NDB_No = MealContent.NDB_No

@@ -1,0 +1,1 @@
+Select Shrt_Desc from NutritionalInformation where Shrt_Desc like "*b?t[!a-d]#*" or Shrt_Desc like '[[]*'

@@ -1,0 +1,1 @@
+Select IIf(MealTime is null, 'none', MealTime), Nz(MealDescription, 0), Choose(2, 'a', 'b'), Switch(False, 1, True, 2), True xor Null, 1 eqv 2, 3 imp 4 from Meals

@@ -1,0 +1,1 @@
+Select -2 ^ 2, 7 \ 2, -7 mod 3, 1e308 * 10, Round(2.5), Int(-1.5), Fix(-1.5), Sqr(2), CInt(32767), Val('1e2x'), Hex(-1) from Meals

@@ -1,0 +1,1 @@
+Select BloodSugerNo, Mmol As x from BloodSugarLevels where BloodSugerNo = -1

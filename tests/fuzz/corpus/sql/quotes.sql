@@ -1,0 +1,1 @@
+Select 'it''s', """", [Insulin Dosage], 'open

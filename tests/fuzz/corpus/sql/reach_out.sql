@@ -1,0 +1,1 @@
+Attach 'x' as y; Select * from sqlite_master; Pragma journal_mode

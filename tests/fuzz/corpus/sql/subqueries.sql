@@ -1,0 +1,1 @@
+Select * from Meals where MealNo in (Select MealID from MealContent) and not exists (Select 1 from MealContent as X where X.MealID = Meals.MealNo and Quantity is null)

@@ -1,0 +1,1 @@
+Select Left$(Comment, 3) & Mid(Comment, 2) & Space(5) & String(3, '*') & Replace('aXbX', 'x', '-'), InStr(2, Comment, 'i'), Len(Comment), UCase(Comment) from BloodSugarLevels

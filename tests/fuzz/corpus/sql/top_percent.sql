@@ -1,0 +1,1 @@
+Select distinct top 50 percent MealTime from Meals order by MealTime

@@ -1,0 +1,1 @@
+Select MealNo as a from Meals union all Select BloodSugerNo from BloodSugarLevels union Select 5.5 from Meals order by a desc;
