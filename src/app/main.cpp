@@ -1,4 +1,5 @@
 // Quillon: a diary for people who treat diabetes with insulin.
+#include "app/diary_copies.h"
 #include "app/frmMain.h"
 #include "controls/qt_dialogs.h"
 #include "controls/system_printers.h"
@@ -15,6 +16,7 @@ int main(int argc, char* argv[])
 
     const runtime::SystemClock clock;
     controls::QtDialogs dialogs;
+    const app::DiaryCopies copies(clock, dialogs);
     controls::SystemPrinters printers(dialogs);
     app::frmMain window({.clock = clock,
                          .dialogs = dialogs,

@@ -21,7 +21,7 @@ public:
     explicit UsageError(const QString& message) : std::runtime_error(message.toStdString()) {}
 };
 
-/// A command as it was called: its arguments, all of them there, and its options.
+/// A command as it was called: its arguments, all of them there but the optional ones, and its options.
 struct Call {
     QStringList arguments;
     const QCommandLineParser& options;
@@ -32,6 +32,7 @@ struct Command {
     struct Argument {
         QString name;
         QString meaning;
+        bool optional = false; ///< may be left out; so may those behind it
     };
 
     QString name;

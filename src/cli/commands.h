@@ -14,5 +14,6 @@ namespace cli {
 [[nodiscard]] Command reportCommand();
 [[nodiscard]] Command printCommand();
 [[nodiscard]] Command importCommand();
+[[nodiscard]] Command backUpCommand();
 
 } // namespace cli

@@ -2,7 +2,11 @@
 
 #include "cli/command.h"
 #include "cli/run_time_error_text.h"
+#include "data/before_change.h"
+#include "data/safekeeping/dated_copies.h"
 #include "runtime/run_time_error.h"
+
+#include <algorithm>
 
 namespace cli {
 namespace {
@@ -16,7 +20,7 @@ QString usageOf(const Command& command)
 {
     QString usage = command.name;
     for (const Command::Argument& argument : command.arguments) {
-        usage += u' ' + argument.name;
+        usage += argument.optional ? QStringLiteral(" [%1]").arg(argument.name) : u' ' + argument.name;
     }
     for (const QCommandLineOption& option : command.options) {
         const QString value = option.valueName().isEmpty() ? QString() : u' ' + option.valueName();
@@ -73,7 +77,10 @@ ExitStatus call(const Command& command, const QStringList& arguments, Output& ou
         return ExitStatus::Done;
     }
     const QStringList positional = parser.positionalArguments();
-    if (positional.size() != command.arguments.size() || positional.contains(QString())) {
+    const auto required = std::count_if(command.arguments.cbegin(), command.arguments.cend(),
+                                        [](const Command::Argument& argument) { return !argument.optional; });
+    if (positional.size() < required || positional.size() > command.arguments.size() ||
+        positional.contains(QString())) {
         throw UsageError(QStringLiteral("Usage: quillonctl ") + usageOf(command));
     }
     return command.run({positional, parser, output});
@@ -117,6 +124,9 @@ ExitStatus runAndFlush(const QStringList& arguments, Output& output)
 ExitStatus run(const QStringList& arguments)
 {
     Output output;
+    const runtime::SystemClock clock;
+    data::DatedCopies copies(clock, [](const QString& words) { tell(words.simplified()); });
+    const data::BeforeChange copying([&copies](const QString& diary) { copies.beforeChange(diary); });
     try {
         return runAndFlush(arguments, output);
     } catch (const UsageError& error) {
