@@ -228,7 +228,8 @@ void frmAddMeal::cmdGetOldMeal_Click()
 void frmAddMeal::cmdModifyOldMeal_Click()
 {
     const std::optional<StoredMeal> meal = chooseOldMeal();
-    for (QWidget* control : std::initializer_list<QWidget*>{ui_.lblDate, ui_.txtDate, ui_.lblTime, ui_.txtTime})
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{ui_.lblDate, ui_.txtDate, ui_.cmdDate, ui_.lblTime, ui_.txtTime})
         control->setEnabled(false);
     if (meal) {
         lngOldMealToDelete = 0; // where fetching fails, no meal chosen before may be replaced by what is composed next

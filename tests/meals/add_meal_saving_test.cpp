@@ -221,6 +221,7 @@ TEST_F(AddMealSaving, ModifyOldMealReplacesItUnderANewNumber)
         EXPECT_FALSE(field(name).isEnabled()) << name;
     for (const char* name : {"lblDate", "lblTime"})
         EXPECT_FALSE(label(name).isEnabled()) << name;
+    EXPECT_FALSE(button("cmdDate").isEnabled()) << "the calendar would change the date";
     add("butter", "10");
     save();
     EXPECT_THAT(meals(), ElementsAre("2 | 01/03/2024 12:30:00 | 2 | 4"));
