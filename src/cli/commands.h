@@ -15,5 +15,6 @@ namespace cli {
 [[nodiscard]] Command printCommand();
 [[nodiscard]] Command importCommand();
 [[nodiscard]] Command backUpCommand();
+[[nodiscard]] Command restoreCommand();
 
 } // namespace cli

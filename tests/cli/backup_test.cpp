@@ -134,4 +134,42 @@ TEST_F(Backup, ThatFailsBeforeAChangeIsToldInOneLineAndTheChangeMade)
     EXPECT_EQ(linesOf(run("dump", {diary.path(), QStringLiteral("BloodSugarLevels")}).out).size(), 1U);
 }
 
+// --- Putting one back ---
+
+TEST_F(Backup, IsRestoredAndWhatWasThereKept)
+{
+    EXPECT_EQ(run("backup", {diary.path(), copy()}).status, 0);
+    diary.addReading(QStringLiteral("05/03/2002 08:15"), 5.6, 1);
+    const QByteArray present = contentOf(diary.path());
+    const Outcome outcome = run("restore", {copy(), diary.path()});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(contentOf(diary.path()), contentOf(copy()));
+    ASSERT_EQ(copies().size(), 1);
+    const QString kept = besideDiary(QStringLiteral("backups/")) + copies().constFirst();
+    EXPECT_EQ(contentOf(kept), present);
+    EXPECT_THAT(linesOf(outcome.out),
+                testing::ElementsAre((diary.path() + QStringLiteral(" is restored from ") + copy()).toStdString(),
+                                     (QStringLiteral("The diary that was there is kept as ") + kept).toStdString()));
+}
+
+TEST_F(Backup, IsRestoredOverADamagedDiary)
+{
+    EXPECT_EQ(run("backup", {diary.path(), copy()}).status, 0);
+    writeFile(diary.path(), "not a diary any more");
+    const Outcome outcome = run("restore", {copy(), diary.path()});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr("The damaged file that was there is now "));
+    EXPECT_EQ(run("check", {diary.path()}).status, 0);
+}
+
+TEST_F(Backup, ThatIsDamagedIsNotRestored)
+{
+    writeFile(copy(), "not a diary");
+    const QByteArray present = contentOf(diary.path());
+    const Outcome outcome = run("restore", {copy(), diary.path()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("Run-time error '3343'"));
+    EXPECT_EQ(contentOf(diary.path()), present);
+}
+
 } // namespace

@@ -136,9 +136,15 @@ TEST(ErrorTranslation, EveryErrorOfTheEngineHasANumberAndWords)
         translated(jet::Error(jet::ErrorCode::Corrupt, 7, "A row is cut."), QStringLiteral("d.mdb"));
     EXPECT_EQ(corrupt.words(), QStringLiteral("Unrecognized database format 'd.mdb'."));
     EXPECT_EQ(corrupt.hint(), QStringLiteral("A row is cut (page 7)."));
-    EXPECT_TRUE(translated(jet::Error(jet::ErrorCode::JournalDamaged, "Torn."), QStringLiteral("d"))
-                    .hint()
-                    .contains(QStringLiteral("Both files")));
+}
+
+TEST(ErrorTranslation, ARefusedJournalIsToldInTheEnginesWordsAlone)
+{
+    const runtime::RunTimeError refused =
+        translated(jet::Error(jet::ErrorCode::JournalDamaged, "It is torn; both files were left as they are"),
+                   QStringLiteral("d"));
+    EXPECT_EQ(refused.words(), QStringLiteral("Unrecognized database format 'd'."));
+    EXPECT_EQ(refused.hint(), QStringLiteral("It is torn; both files were left as they are."));
 }
 
 TEST(ErrorTranslation, AHintEndsWithOneFullStopWhateverTheEngineWrote)

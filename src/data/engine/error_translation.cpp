@@ -49,9 +49,8 @@ RunTimeError translated(const jet::Error& error, const QString& path)
     case jet::ErrorCode::UnsupportedVersion:
     case jet::ErrorCode::Encoded:
     case jet::ErrorCode::Corrupt:
-        return unrecognised(path, sentence);
     case jet::ErrorCode::JournalDamaged:
-        return unrecognised(path, sentence + QStringLiteral(" Both files were left as they are."));
+        return unrecognised(path, sentence);
     case jet::ErrorCode::NoSuchObject:
         return RunTimeError(ErrorNumber::UnknownTableOrQuery).withHint(sentence);
     case jet::ErrorCode::ValueTooLong:

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 namespace data {
 namespace {
@@ -126,9 +127,23 @@ Value negateValue(Arguments arguments)
     return subtractValues(std::array<Value, 2>{Value(0), arguments[0]});
 }
 
+/// A statement asks of row after row whether it is like one pattern, which may be a long one: the last one is kept.
+const LikePattern& likePattern(const QString& text)
+{
+    struct Kept {
+        QString text;
+        LikePattern pattern;
+    };
+    static thread_local std::optional<Kept> kept;
+    if (!kept || kept->text != text) {
+        kept = Kept{text, LikePattern(text)};
+    }
+    return kept->pattern;
+}
+
 Value isLike(Arguments arguments)
 {
-    return LikePattern(runtime::toText(arguments[1])).matches(runtime::toText(arguments[0]));
+    return likePattern(runtime::toText(arguments[1])).matches(runtime::toText(arguments[0]));
 }
 
 Value truthOf(Arguments arguments)

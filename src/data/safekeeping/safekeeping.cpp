@@ -22,6 +22,71 @@ void requireFolderOf(const QString& path)
     }
 }
 
+void requireOtherFile(const QString& backup, const QString& diary)
+{
+    const QString path = QFileInfo(backup).canonicalFilePath();
+    if (!path.isEmpty() && path == QFileInfo(diary).canonicalFilePath()) {
+        throw RunTimeError(ErrorNumber::InvalidProcedureCall)
+            .withHint(QStringLiteral("The backup '%1' is the diary itself.").arg(backup));
+    }
+}
+
+std::unique_ptr<jet::Database> openSoundBackup(const QString& path)
+{
+    std::unique_ptr<jet::Database> backup =
+        jet::Database::open(jet::posixFileSystem(), path.toStdString(), jet::OpenMode::ReadOnly);
+    if (const QStringList damage = damageIn(*backup); !damage.isEmpty()) {
+        throw RunTimeError(ErrorNumber::UnrecognisedFormat, QStringLiteral("The backup '%1' is damaged.").arg(path),
+                           QStringLiteral("The diary was left as it is. %1").arg(damage.constFirst()));
+    }
+    return backup;
+}
+
+/// Beside the file that the diary is.
+QString nameForDamaged(const QString& diary, const runtime::Clock& clock)
+{
+    const QFileInfo file(diary);
+    const QString suffix = file.suffix().isEmpty() ? QString() : u'.' + file.suffix();
+    return freePath(file.absolutePath(),
+                    file.completeBaseName() + u' ' + isoDate(clock.today()) + QStringLiteral(" damaged"), suffix);
+}
+
+/// The diary in a transaction, so that nobody changes it from now on; null when it cannot be opened or written to for
+/// what it holds.
+std::unique_ptr<jet::Database> holdDiary(const QString& path)
+{
+    try {
+        auto diary = jet::Database::open(jet::posixFileSystem(), path.toStdString(), jet::OpenMode::ReadWrite);
+        diary->begin();
+        return diary;
+    } catch (const jet::Error& error) {
+        switch (error.code()) {
+        case jet::ErrorCode::FileNotFound:
+        case jet::ErrorCode::NotADatabase:
+        case jet::ErrorCode::UnsupportedVersion:
+        case jet::ErrorCode::Encoded:
+        case jet::ErrorCode::Corrupt:
+        case jet::ErrorCode::JournalDamaged:
+        case jet::ErrorCode::Io:
+            return nullptr;
+        default:
+            throw;
+        }
+    }
+}
+
+Restored restoreOverUnusable(jet::Database& backup, const QString& diary, const runtime::Clock& clock)
+{
+    const QString aside = nameForDamaged(diary, clock);
+    backup.copyOver(diary.toStdString(), aside.toStdString());
+    for (const QString& kept : {aside, aside + QStringLiteral("-journal")}) {
+        if (QFileInfo::exists(kept)) {
+            return {kept, true};
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 BackUp backUp(const QString& diary, const QString& destination)
@@ -39,6 +104,33 @@ BackUp backUpToday(const QString& diary, const runtime::Clock& clock)
     const CopyFolder copies(diary);
     copies.make();
     return backUp(diary, copies.freeNameFor(clock.today()));
+}
+
+Restored restore(const QString& backup, const QString& diary, const runtime::Clock& clock)
+{
+    requireFolderOf(diary);
+    requireOtherFile(backup, diary);
+    const std::unique_ptr<jet::Database> source = translating(backup, [&] { return openSoundBackup(backup); });
+    const QFileInfo file(diary);
+    const QString path = file.exists() ? file.canonicalFilePath() : diary;
+    return translating(diary, [&] {
+        const std::unique_ptr<jet::Database> present = holdDiary(path);
+        if (present == nullptr) {
+            return restoreOverUnusable(*source, path, clock);
+        }
+        Restored restored;
+        restored.wasDamaged = !damageIn(*present).isEmpty();
+        if (restored.wasDamaged) {
+            restored.kept = nameForDamaged(path, clock);
+        } else {
+            const CopyFolder copies(path);
+            copies.make();
+            restored.kept = copies.freeNameFor(clock.today(), QStringLiteral(" before restoring"));
+        }
+        present->copyTo(restored.kept.toStdString());
+        present->replaceByCopyOf(*source);
+        return restored;
+    });
 }
 
 } // namespace data

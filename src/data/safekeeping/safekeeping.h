@@ -18,4 +18,15 @@ struct BackUp {
 /// The same, into the folder of the dated copies, under a name of the day that is free.
 [[nodiscard]] BackUp backUpToday(const QString& diary, const runtime::Clock& clock);
 
+struct Restored {
+    QString kept;            ///< where the file is now that was there before; empty when there was none
+    bool wasDamaged = false; ///< that file, so it is beside the diary and not among the dated copies
+};
+
+/// Puts a copy of a backup in the place of the diary. The backup is only read; when it is damaged, nothing changes.
+/// What was there before is kept as it is on the disk and never removed: among the dated copies, or where it is damaged
+/// or cannot be opened, together with its journal, beside the diary. Other programs may have the diary open, but not be
+/// about to read or change it (3045); those that had it open notice.
+[[nodiscard]] Restored restore(const QString& backup, const QString& diary, const runtime::Clock& clock);
+
 } // namespace data

@@ -3,6 +3,7 @@
 #include "data/safekeeping/safekeeping.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
+#include "support/file_size_limit.h"
 #include "support/test_diary.h"
 
 #include <QTemporaryDir>
@@ -111,6 +112,191 @@ TEST_F(BackUp, WithoutADestinationGoesBesideTheDiaryUnderTheDay)
     EXPECT_EQ(data::backUpToday(diary.path(), clock).path, besideDiary("backups/Nutrition 2026-11-21 2.mdb"));
     EXPECT_EQ(readingsIn(besideDiary("backups/Nutrition 2026-11-21.mdb")), 0);
     EXPECT_EQ(readingsIn(besideDiary("backups/Nutrition 2026-11-21 2.mdb")), 1);
+}
+
+// --- Restoring ---
+
+/// A backup without readings of a diary with one.
+class Restore : public Safekeeping
+{
+protected:
+    Restore()
+    {
+        static_cast<void>(data::backUp(diary.path(), backup));
+        addReading();
+        present = contentOf(diary.path());
+    }
+
+    data::Restored restore() const { return data::restore(backup, diary.path(), clock); }
+    std::vector<std::string> besideDiary() const { return namesIn(QFileInfo(diary.path()).absolutePath()); }
+    using Safekeeping::besideDiary;
+
+    QString backup = inFolder("backup.mdb");
+    QByteArray present;
+};
+
+TEST_F(Restore, PutsACopyOfTheBackupInThePlaceOfTheDiary)
+{
+    const data::Restored restored = restore();
+    EXPECT_EQ(contentOf(diary.path()), contentOf(backup));
+    EXPECT_EQ(readingsIn(diary.path()), 0);
+    EXPECT_EQ(restored.kept, besideDiary("backups/Nutrition 2026-11-21 before restoring.mdb"));
+    EXPECT_FALSE(restored.wasDamaged);
+    EXPECT_EQ(contentOf(restored.kept), present);
+    EXPECT_THAT(besideDiary(), ElementsAre("Nutrition.mdb", "backups"));
+}
+
+TEST_F(Restore, CanBeTakenBack)
+{
+    const data::Restored first = restore();
+    const data::Restored second = data::restore(first.kept, diary.path(), clock);
+    EXPECT_EQ(contentOf(diary.path()), present);
+    EXPECT_EQ(second.kept, besideDiary("backups/Nutrition 2026-11-21 before restoring 2.mdb"));
+}
+
+TEST_F(Restore, LeavesTheCopyOfTheDayAlone)
+{
+    static_cast<void>(data::backUpToday(diary.path(), clock));
+    static_cast<void>(restore());
+    EXPECT_THAT(namesIn(besideDiary("backups")),
+                ElementsAre("Nutrition 2026-11-21 before restoring.mdb", "Nutrition 2026-11-21.mdb"));
+}
+
+TEST_F(Restore, OfADamagedBackupChangesNothing)
+{
+    damage(backup);
+    const auto error = errorOf([&] { static_cast<void>(restore()); });
+    EXPECT_EQ(error.code(), ErrorNumber::UnrecognisedFormat);
+    EXPECT_THAT(error.hint().toStdString(), HasSubstr("The diary was left as it is."));
+    EXPECT_EQ(contentOf(diary.path()), present);
+    EXPECT_THAT(besideDiary(), ElementsAre("Nutrition.mdb"));
+}
+
+TEST_F(Restore, OfAFileThatIsNoDiaryChangesNothing)
+{
+    writeFile(backup, "a letter");
+    EXPECT_EQ(errorOf([&] { static_cast<void>(restore()); }).code(), ErrorNumber::UnrecognisedFormat);
+    QFile::remove(backup);
+    EXPECT_EQ(errorOf([&] { static_cast<void>(restore()); }).code(), ErrorNumber::FileNotFound);
+    EXPECT_EQ(contentOf(diary.path()), present);
+    EXPECT_THAT(besideDiary(), ElementsAre("Nutrition.mdb"));
+}
+
+TEST_F(Restore, OfTheDiaryItselfIsRefused)
+{
+    const QString link = inFolder("link.mdb");
+    ASSERT_TRUE(QFile::link(diary.path(), link));
+    for (const QString& same : {diary.path(), link}) {
+        const auto error = errorOf([&] { static_cast<void>(data::restore(same, diary.path(), clock)); });
+        EXPECT_THAT(error.hint().toStdString(), HasSubstr("the diary itself"));
+    }
+}
+
+TEST_F(Restore, MakesADiaryWhereThereIsNone)
+{
+    QFile::remove(diary.path());
+    EXPECT_EQ(restore().kept, QString());
+    EXPECT_EQ(contentOf(diary.path()), contentOf(backup));
+    EXPECT_THAT(besideDiary(), ElementsAre("Nutrition.mdb"));
+}
+
+TEST_F(Restore, MovesADiaryThatCannotBeOpenedAsideWithItsJournal)
+{
+    writeFile(diary.path(), "not a diary any more");
+    writeFile(diary.path() + QStringLiteral("-journal"), "nor a journal");
+    const data::Restored restored = restore();
+    EXPECT_TRUE(restored.wasDamaged);
+    EXPECT_EQ(restored.kept, besideDiary("Nutrition 2026-11-21 damaged.mdb"));
+    EXPECT_EQ(contentOf(restored.kept), "not a diary any more");
+    EXPECT_EQ(contentOf(restored.kept + QStringLiteral("-journal")), "nor a journal");
+    EXPECT_EQ(contentOf(diary.path()), contentOf(backup));
+    EXPECT_THAT(besideDiary(), ElementsAre("Nutrition 2026-11-21 damaged.mdb",
+                                           "Nutrition 2026-11-21 damaged.mdb-journal", "Nutrition.mdb"));
+}
+
+TEST_F(Restore, NeverMeetsAJournalThatCannotBeUsed)
+{
+    writeFile(diary.path() + QStringLiteral("-journal"), "not a journal");
+    ASSERT_THROW(static_cast<void>(readingsIn(diary.path())), runtime::RunTimeError);
+    const data::Restored restored = restore();
+    EXPECT_TRUE(restored.wasDamaged);
+    EXPECT_EQ(contentOf(restored.kept), present);
+    EXPECT_EQ(contentOf(restored.kept + QStringLiteral("-journal")), "not a journal");
+    EXPECT_EQ(readingsIn(diary.path()), 0);
+}
+
+TEST_F(Restore, NeverMeetsAJournalWhoseDiaryIsGone)
+{
+    QFile::remove(diary.path());
+    writeFile(diary.path() + QStringLiteral("-journal"), "left over");
+    const data::Restored restored = restore();
+    EXPECT_EQ(contentOf(restored.kept), "left over");
+    EXPECT_EQ(readingsIn(diary.path()), 0);
+}
+
+TEST_F(Restore, KeepsADamagedDiaryByteForByteBesideTheNewOne)
+{
+    damage(diary.path());
+    const QByteArray damaged = contentOf(diary.path());
+    const data::Restored restored = restore();
+    EXPECT_TRUE(restored.wasDamaged);
+    EXPECT_EQ(restored.kept, besideDiary("Nutrition 2026-11-21 damaged.mdb"));
+    EXPECT_EQ(contentOf(restored.kept), damaged);
+    EXPECT_EQ(contentOf(diary.path()), contentOf(backup));
+}
+
+TEST_F(Restore, KeepsADiaryThatEndsInTheMiddleOfAPage)
+{
+    QFile file(diary.path());
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    file.write("tail");
+    file.close();
+    const data::Restored restored = restore();
+    EXPECT_TRUE(restored.wasDamaged);
+    EXPECT_EQ(contentOf(restored.kept), present + "tail");
+    EXPECT_EQ(contentOf(diary.path()), contentOf(backup));
+}
+
+TEST_F(Restore, WaitsForAProgramThatReads)
+{
+    data::Database window(diary.path());
+    {
+        const data::Database::Reading reading(window);
+        EXPECT_EQ(errorOf([&] { static_cast<void>(restore()); }).code(), ErrorNumber::FileInUse);
+        EXPECT_EQ(contentOf(diary.path()), present);
+    }
+    static_cast<void>(restore());
+    EXPECT_EQ(readingsIn(diary.path()), 0);
+}
+
+TEST_F(Restore, IsNoticedByAWindowThatHadTheDiaryOpen)
+{
+    data::Database window(diary.path());
+    data::Recordset readings = window.openRecordset(QStringLiteral("BloodSugarLevels"));
+    static_cast<void>(restore());
+    const auto error = errorOf([&] { readings.edit(); });
+    EXPECT_EQ(error.code(), ErrorNumber::DiskError);
+    EXPECT_THAT(error.hint().toStdString(), HasSubstr("replaced while it was open; open it again"));
+    EXPECT_EQ(contentOf(diary.path()), contentOf(backup));
+}
+
+TEST_F(Restore, ThatCannotKeepThePresentDiaryChangesNothing)
+{
+    writeFile(besideDiary("backups"), "a file is in the way");
+    EXPECT_EQ(errorOf([&] { static_cast<void>(restore()); }).code(), ErrorNumber::CannotOpenFile);
+    EXPECT_EQ(contentOf(diary.path()), present);
+    EXPECT_EQ(readingsIn(diary.path()), 1) << "and holds no lock";
+}
+
+TEST_F(Restore, ADiskThatIsFullChangesNothing)
+{
+    {
+        const FileSizeLimit limit(present.size() / 2);
+        EXPECT_THROW(static_cast<void>(restore()), runtime::RunTimeError);
+    }
+    EXPECT_EQ(contentOf(diary.path()), present);
+    EXPECT_THAT(besideDiary(), ElementsAre("Nutrition.mdb", "backups"));
+    EXPECT_THAT(namesIn(besideDiary("backups")), testing::IsEmpty());
 }
 
 } // namespace
