@@ -28,7 +28,10 @@ TEST(Usage, EachCommandHasAHelpOfItsOwn)
     for (const cli::Command& command : cli::allCommands()) {
         const Outcome outcome = quillonctl({command.name, QStringLiteral("--help")});
         EXPECT_EQ(outcome.status, 0);
-        EXPECT_THAT(outcome.out, HasSubstr("Usage: quillonctl " + command.name.toStdString() + " FILE"));
+        EXPECT_THAT(
+            outcome.out,
+            HasSubstr(
+                ("Usage: quillonctl " + command.name + u' ' + command.arguments.constFirst().name).toStdString()));
         for (const QCommandLineOption& option : command.options) {
             EXPECT_THAT(outcome.out, HasSubstr("--" + option.names().constFirst().toStdString()));
         }
