@@ -89,7 +89,8 @@ void addSomeReading(jet::Database& diary)
 
 Effort usualEffort()
 {
-    return {.choices = static_cast<std::size_t>(jet::test::seedCount(2))};
+    const auto seeds = static_cast<std::size_t>(jet::test::seedCount(2));
+    return {.choices = seeds, .recoveries = 1 + seeds / 10};
 }
 
 void expectNoLoss(const Findings& findings)
