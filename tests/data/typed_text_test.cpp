@@ -27,10 +27,14 @@ TEST_F(TypedText, WithAListThatIsNotClosedIsAnInvalidPattern)
     EXPECT_EQ(errorOf(QStringLiteral("select * from NutritionalInformation where Shrt_Desc like '*[*'")), 93);
 }
 
-TEST_F(TypedText, OfControlCharactersIsSearchedFor)
+TEST_F(TypedText, OfControlCharactersIsSearchedForOrRefused)
 {
     EXPECT_EQ(foodsLike(QStringLiteral("*\u0001\t\n*")), QString());
-    EXPECT_EQ(foodsLike(QString(QChar(0)) + u'*'), QString());
+    EXPECT_EQ(errorOf(QStringLiteral("select * from Meals where MealNo like '1") + QChar(0) + QStringLiteral("'")),
+              3075);
+    EXPECT_EQ(errorOf(QStringLiteral("select * from Meals where MealNo = 1") + QChar(0) + QStringLiteral(" or True")),
+              3075)
+        << "never the statement up to there";
 }
 
 TEST_F(TypedText, IsHeldAgainstEachPatternOfItsStatement)

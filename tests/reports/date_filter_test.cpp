@@ -28,6 +28,14 @@ TEST(DateFilter, CrossesTheEndsOfMonthsAndYears)
     EXPECT_EQ(filterOn({2025, 12, 31}).to, QStringLiteral("01/01/2026"));
 }
 
+TEST(DateFilter, OfAClockAtTheEndOfTheCalendarEndsThereToo)
+{
+    EXPECT_EQ(filterOn({9999, 12, 31, 23, 59, 59}).from, QStringLiteral("29/12/9999"));
+    EXPECT_EQ(filterOn({9999, 12, 31, 23, 59, 59}).to, QStringLiteral("31/12/9999"));
+    EXPECT_EQ(filterOn({100, 1, 1, 0, 0, 1}).from, QStringLiteral("01/01/0100"));
+    EXPECT_EQ(filterOn({100, 1, 1, 0, 0, 1}).to, QStringLiteral("02/01/0100"));
+}
+
 TEST(DateFilter, TheClauseHoldsBothTextsAsTyped)
 {
     const DateFilter filter{QStringLiteral("1/3/2026"), QStringLiteral("04/Mar/2026 12:00")};
