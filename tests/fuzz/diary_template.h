@@ -12,7 +12,7 @@ class DiaryTemplate
 {
 public:
     template <typename Fill>
-    explicit DiaryTemplate(Fill&& fill) : copy_(made_.path() + QStringLiteral(".copy"))
+    explicit DiaryTemplate(Fill&& fill) : made_(), copy_(made_.path() + QStringLiteral(".copy"))
     {
         fill(made_);
         QFile file(made_.path());
