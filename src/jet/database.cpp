@@ -3,6 +3,7 @@
 #include "jet/catalogue_writer.h"
 #include "jet/change.h"
 #include "jet/check.h"
+#include "jet/compaction.h"
 #include "jet/disk/set_aside.h"
 #include "jet/disk/unfinished_file.h"
 #include "jet/format/at_page.h"
@@ -28,6 +29,15 @@ namespace {
         throw Error(ErrorCode::NotADatabase, "The file " + pager.path() + " is not an Access database");
     }
     return atPage(0, [&pager] { return decodeHeaderPage(*pager.read(0)).systemTables; });
+}
+
+void requireSound(Pager& pager, const std::string& what)
+{
+    for (const Fault& fault : checkFile(pager)) {
+        if (fault.kind == Fault::Kind::Damage) {
+            throw Error(ErrorCode::Corrupt, fault.page, what + " is damaged: " + fault.text);
+        }
+    }
 }
 
 /// The same for names that differ in case alone.
@@ -247,6 +257,27 @@ void Database::copyOver(const std::string& path, const std::string& aside)
     implementation_->pager.copyTo(copy);
     setAside(fileSystem, path, aside);
     copy.finish();
+}
+
+void Database::compact(FileSystem& fileSystem, const std::string& path)
+{
+    Implementation source(fileSystem, path, OpenMode::ReadWrite);
+    source.pager.begin();
+    requireSound(source.pager, "The file");
+    std::vector<MovedTable> tables = tablesToCarryOver(source.catalogue);
+    UnfinishedFile file(fileSystem, source.pager.resolvedPath());
+    file.create(source.pager.resolvedPath());
+    {
+        Pager target(fileSystem, file.path(), OpenMode::ReadWrite);
+        carryOver(source.catalogue, target, tables);
+    }
+    {
+        Pager target(fileSystem, file.path(), OpenMode::ReadOnly);
+        const ReadGuard guard(target);
+        requireSound(target, "The new file");
+        requireCarriedOver(source.catalogue, target, tables);
+    }
+    source.pager.replaceBy(file.path());
 }
 
 } // namespace jet

@@ -86,6 +86,11 @@ public:
     /// Puts a copy of this file where a file is that cannot be opened, or none. What is there keeps its bytes under the
     /// name `aside`, in the same folder, with its journal. Throws Locked, FileExists where the name aside is taken.
     void copyOver(const std::string& path, const std::string& aside);
+    /// Writes what a file holds to a fresh one without the room that deleted rows left, proves that the new file is
+    /// sound and holds the same, rows in the same order, and puts it in the place of the old one. Other programs may
+    /// have the file open, as with replaceByCopyOf(). Throws Corrupt for a file that check() finds damaged, ReadOnly or
+    /// IndexNotSupported for one that holds what cannot be carried over; the file then stays as it is.
+    static void compact(FileSystem& fileSystem, const std::string& path);
 
 private:
     class Implementation;

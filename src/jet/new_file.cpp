@@ -4,9 +4,9 @@
 #include "jet/disk/unfinished_file.h"
 #include "jet/format/header_page.h"
 #include "jet/new_table.h"
-#include "jet/store/index_tree.h"
-#include "jet/store/table_definition_store.h"
+#include "jet/store/usage_map.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace jet {
@@ -22,26 +22,16 @@ constexpr std::uint16_t kAccountMask = 0x8A67;
 Catalogue::SystemPages storeSystemTables(Pager& pager)
 {
     std::array<TableDefinition, 4> definitions = systemTableDefinitions();
-    TableDefinitionStore store(pager);
-    Catalogue::SystemPages pages{};
-    std::size_t mapCount = 0;
-    for (std::size_t i = 0; i < pages.size(); ++i) {
-        for (const Column& column : definitions[i].columns) {
+    for (TableDefinition& definition : definitions) {
+        for (const Column& column : definition.columns) {
             if (column.isLongValue()) {
-                definitions[i].longValues.push_back({.columnNumber = column.number, .owned = {}, .withSpace = {}});
+                definition.longValues.push_back({.columnNumber = column.number, .owned = {}, .withSpace = {}});
             }
         }
-        pages[i] = store.create(definitions[i]);
-        mapCount += mapsNeededBy(definitions[i]);
     }
-    const std::vector<RowPointer> maps = createUsageMaps(pager, mapCount);
-    std::span<const RowPointer> rest(maps);
-    for (std::size_t i = 0; i < pages.size(); ++i) {
-        const std::size_t count = mapsNeededBy(definitions[i]);
-        attachMaps(pager, pages[i], definitions[i], rest.first(count));
-        store.save(pages[i], definitions[i]);
-        rest = rest.subspan(count);
-    }
+    const std::vector<PageNumber> stored = storeNewTables(pager, definitions);
+    Catalogue::SystemPages pages{};
+    std::copy(stored.begin(), stored.end(), pages.begin());
     return pages;
 }
 

@@ -167,6 +167,28 @@ void addIndex(TableDefinition& definition, const IndexSpec& spec)
     definition.logicalIndexes.push_back(std::move(logical));
 }
 
+/// How many usage maps a table has.
+[[nodiscard]] std::size_t mapsNeededBy(const TableDefinition& definition)
+{
+    return 2 + 2 * definition.longValues.size() + definition.realIndexes.size();
+}
+
+/// Gives the definition at that page its maps and an empty root for each index.
+void attachMaps(Pager& pager, PageNumber page, TableDefinition& definition, std::span<const RowPointer> maps)
+{
+    auto map = maps.begin();
+    definition.ownedPages = *map++;
+    definition.pagesWithSpace = *map++;
+    for (LongValueMaps& column : definition.longValues) {
+        column.owned = *map++;
+        column.withSpace = *map++;
+    }
+    for (RealIndex& index : definition.realIndexes) {
+        index.pages = *map++;
+        index.root = IndexTree::create(pager, page, index.pages);
+    }
+}
+
 } // namespace
 
 TableDefinition definitionOf(const TableSpec& spec)
@@ -203,33 +225,29 @@ TableDefinition definitionOf(const TableSpec& spec)
     return definition;
 }
 
-std::size_t mapsNeededBy(const TableDefinition& definition)
-{
-    return 2 + 2 * definition.longValues.size() + definition.realIndexes.size();
-}
-
-void attachMaps(Pager& pager, PageNumber page, TableDefinition& definition, std::span<const RowPointer> maps)
-{
-    auto map = maps.begin();
-    definition.ownedPages = *map++;
-    definition.pagesWithSpace = *map++;
-    for (LongValueMaps& column : definition.longValues) {
-        column.owned = *map++;
-        column.withSpace = *map++;
-    }
-    for (RealIndex& index : definition.realIndexes) {
-        index.pages = *map++;
-        index.root = IndexTree::create(pager, page, index.pages);
-    }
-}
-
 PageNumber storeNewTable(Pager& pager, TableDefinition definition)
 {
+    return storeNewTables(pager, {&definition, 1}).front();
+}
+
+std::vector<PageNumber> storeNewTables(Pager& pager, std::span<TableDefinition> definitions)
+{
     TableDefinitionStore store(pager);
-    const PageNumber page = store.create(definition);
-    attachMaps(pager, page, definition, createUsageMaps(pager, mapsNeededBy(definition)));
-    store.save(page, definition);
-    return page;
+    std::vector<PageNumber> pages;
+    std::size_t mapCount = 0;
+    for (const TableDefinition& definition : definitions) {
+        pages.push_back(store.create(definition));
+        mapCount += mapsNeededBy(definition);
+    }
+    const std::vector<RowPointer> maps = createUsageMaps(pager, mapCount);
+    std::span<const RowPointer> rest(maps);
+    for (std::size_t i = 0; i < definitions.size(); ++i) {
+        const std::size_t count = mapsNeededBy(definitions[i]);
+        attachMaps(pager, pages[i], definitions[i], rest.first(count));
+        store.save(pages[i], definitions[i]);
+        rest = rest.subspan(count);
+    }
+    return pages;
 }
 
 } // namespace jet

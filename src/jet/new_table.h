@@ -12,12 +12,9 @@ namespace jet {
 /// name twice) for a description that the format cannot hold.
 [[nodiscard]] TableDefinition definitionOf(const TableSpec& spec);
 
-/// How many usage maps a table has.
-[[nodiscard]] std::size_t mapsNeededBy(const TableDefinition& definition);
-/// Gives the definition at that page its maps and an empty root for each index. Requires a transaction.
-void attachMaps(Pager& pager, PageNumber page, TableDefinition& definition, std::span<const RowPointer> maps);
-
 /// Writes the definition with empty maps and indexes and returns its first page. Requires a transaction.
 [[nodiscard]] PageNumber storeNewTable(Pager& pager, TableDefinition definition);
+/// The same for several tables: all their definitions first, then the page of their maps, then the roots of indexes.
+[[nodiscard]] std::vector<PageNumber> storeNewTables(Pager& pager, std::span<TableDefinition> definitions);
 
 } // namespace jet

@@ -38,6 +38,11 @@ UnfinishedFile::~UnfinishedFile()
     }
 }
 
+void UnfinishedFile::create(const std::string& model)
+{
+    static_cast<void>(fileSystem_->createLike(path_, model));
+}
+
 void UnfinishedFile::copyFrom(File& file, const std::string& model)
 {
     copy_ = fileSystem_->createLike(path_, model);

@@ -26,6 +26,8 @@ public:
 
     /// Where to write the file.
     [[nodiscard]] const std::string& path() const { return path_; }
+    /// Makes it an empty file that whoever may use the model may use as well.
+    void create(const std::string& model);
     /// Makes it a copy of the file, byte for byte, that whoever may use the model may use as well; durable, and read
     /// back. The caller holds a lock on the file that keeps it as it is.
     void copyFrom(File& file, const std::string& model);
