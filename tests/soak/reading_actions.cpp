@@ -65,7 +65,8 @@ void writeFile(const QString& path, const QStringList& lines, const QString& lin
     file.write((lines.join(lineEnd) + lineEnd).toUtf8());
 }
 
-void addReading(data::Database& database, const Reading& reading)
+/// Gives the reading's number.
+qint32 addReading(data::Database& database, const Reading& reading)
 {
     data::Recordset readings =
         database.openRecordset(QStringLiteral("Select * from BloodSugarLevels where BloodSugerNo = -1"));
@@ -75,6 +76,8 @@ void addReading(data::Database& database, const Reading& reading)
     readings.set(QStringLiteral("ReadingType"), reading.type);
     readings.set(QStringLiteral("Comment"), reading.comment);
     readings.update();
+    readings.moveFirst();
+    return runtime::toLong(readings.value(QStringLiteral("BloodSugerNo")));
 }
 
 } // namespace
@@ -194,8 +197,11 @@ void changeInBatch(Scene& scene)
     for (int change = scene.dice.between(1, 6); change > 0; --change) {
         if (scene.expected.readings.empty() || !scene.dice.oneIn(3)) {
             const Reading reading = anyReading(scene);
-            addReading(database, reading);
-            expectReading(scene, reading);
+            // A connection gives no number twice, also when the batch was taken back that had it.
+            const qint32 number = addReading(database, reading);
+            require(number > scene.lastReading, "the number " + std::to_string(number) + " was given before");
+            scene.lastReading = number;
+            scene.expected.readings.emplace(number, reading);
         } else {
             const qint32 number = scene.dice.keyOf(scene.expected.readings);
             database.execute(QStringLiteral("Delete * from BloodSugarLevels where BloodSugerNo = %1").arg(number));
