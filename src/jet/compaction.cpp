@@ -51,7 +51,7 @@ class TableFiller
 {
 public:
     TableFiller(Pager& source, const LoadedTable& from, Pager& target, LoadedTable& to)
-        : source_(&source), from_(&from), target_(&target), to_(&to)
+        : source_(&source), from_(&from), to_(&to)
     {
         for (const LongValueMaps& maps : to.definition.longValues) {
             longValues_.emplace_back(maps.columnNumber, LongValueStore(target, maps));
@@ -105,7 +105,6 @@ private:
 
     Pager* source_;
     const LoadedTable* from_;
-    Pager* target_;
     LoadedTable* to_;
     std::vector<std::pair<std::uint16_t, LongValueStore>> longValues_;
 };
