@@ -6,9 +6,9 @@ namespace cli {
 
 const QList<Command>& allCommands()
 {
-    static const QList<Command> commands = {createCommand(), checkCommand(),  tablesCommand(), queriesCommand(),
-                                            dumpCommand(),   sqlCommand(),    reportCommand(), printCommand(),
-                                            importCommand(), backUpCommand(), restoreCommand()};
+    static const QList<Command> commands = {createCommand(), checkCommand(),  tablesCommand(),  queriesCommand(),
+                                            dumpCommand(),   sqlCommand(),    reportCommand(),  printCommand(),
+                                            importCommand(), backUpCommand(), restoreCommand(), compactCommand()};
     return commands;
 }
 

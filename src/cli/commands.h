@@ -16,5 +16,6 @@ namespace cli {
 [[nodiscard]] Command importCommand();
 [[nodiscard]] Command backUpCommand();
 [[nodiscard]] Command restoreCommand();
+[[nodiscard]] Command compactCommand();
 
 } // namespace cli

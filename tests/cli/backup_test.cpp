@@ -172,4 +172,31 @@ TEST_F(Backup, ThatIsDamagedIsNotRestored)
     EXPECT_EQ(contentOf(diary.path()), present);
 }
 
+// --- Compacting ---
+
+TEST_F(Backup, CompactSaysTheSizesAndKeepsTheRecords)
+{
+    diary.addReading(QStringLiteral("05/03/2002 08:15"), 5.6, 1);
+    const qint64 before = QFileInfo(diary.path()).size();
+    const std::string records = run("dump", {diary.path(), QStringLiteral("BloodSugarLevels")}).out;
+    const Outcome outcome = run("compact", {diary.path()});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    const qint64 after = QFileInfo(diary.path()).size();
+    EXPECT_EQ(outcome.out,
+              (diary.path() + QStringLiteral(": %1 bytes, before %2\n").arg(after).arg(before)).toStdString());
+    EXPECT_EQ(run("dump", {diary.path(), QStringLiteral("BloodSugarLevels")}).out, records);
+    EXPECT_EQ(run("check", {diary.path()}).status, 0);
+}
+
+TEST_F(Backup, CompactRefusesADamagedDiary)
+{
+    QByteArray bytes = contentOf(diary.path());
+    bytes.replace(bytes.size() - 4096, 4096, QByteArray(4096, 'U'));
+    writeFile(diary.path(), bytes);
+    const Outcome outcome = run("compact", {diary.path()});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("damaged"));
+    EXPECT_EQ(contentOf(diary.path()), bytes);
+}
+
 } // namespace

@@ -133,4 +133,15 @@ Restored restore(const QString& backup, const QString& diary, const runtime::Clo
     });
 }
 
+Compacted compact(const QString& diary)
+{
+    return translating(diary, [&] {
+        Compacted compacted;
+        compacted.bytesBefore = QFileInfo(diary).size();
+        jet::Database::compact(jet::posixFileSystem(), diary.toStdString());
+        compacted.bytesAfter = QFileInfo(diary).size();
+        return compacted;
+    });
+}
+
 } // namespace data

@@ -29,4 +29,14 @@ struct Restored {
 /// about to read or change it (3045); those that had it open notice.
 [[nodiscard]] Restored restore(const QString& backup, const QString& diary, const runtime::Clock& clock);
 
+struct Compacted {
+    qint64 bytesBefore = 0;
+    qint64 bytesAfter = 0;
+};
+
+/// Writes the diary afresh without the room that deleted records left. The new file takes its place only when it was
+/// found to be sound and to hold the same. A diary that is damaged (3343), or holds what cannot be carried over, such
+/// as forms of another program (3027), stays as it is. Other programs may have the diary open, as with restore().
+[[nodiscard]] Compacted compact(const QString& diary);
+
 } // namespace data

@@ -299,4 +299,66 @@ TEST_F(Restore, ADiskThatIsFullChangesNothing)
     EXPECT_THAT(namesIn(besideDiary("backups")), testing::IsEmpty());
 }
 
+// --- Compacting ---
+
+class Compact : public Safekeeping
+{
+protected:
+    Compact()
+    {
+        data::Database database(diary.path());
+        data::Database::Batch batch(database);
+        data::Recordset readings = database.openRecordset(QStringLiteral("BloodSugarLevels"));
+        for (int i = 0; i < 500; ++i) {
+            readings.addNew();
+            readings.set(QStringLiteral("BloodSugerLevel"), 4 + 0.01 * i);
+            readings.set(QStringLiteral("ReadingTime"), runtime::Date{37000.0 + i});
+            readings.set(QStringLiteral("Comment"), QString(40, u'c'));
+            readings.update();
+        }
+        database.execute(QStringLiteral("Delete * from BloodSugarLevels where BloodSugerLevel < 8.5"));
+        batch.commit();
+    }
+};
+
+TEST_F(Compact, GivesBackTheRoomOfWhatWasDeleted)
+{
+    const qint64 before = QFileInfo(diary.path()).size();
+    const data::Compacted compacted = data::compact(diary.path());
+    EXPECT_EQ(compacted.bytesBefore, before);
+    EXPECT_EQ(compacted.bytesAfter, QFileInfo(diary.path()).size());
+    EXPECT_LT(compacted.bytesAfter, before);
+    EXPECT_EQ(readingsIn(diary.path()), 50) << "levels from 8.50 to 8.99";
+    EXPECT_TRUE(data::Database(diary.path()).check().isEmpty());
+    EXPECT_EQ(data::Database(diary.path()).queries().size(), 5);
+}
+
+TEST_F(Compact, OfADamagedDiaryIsRefused)
+{
+    damage(diary.path());
+    const QByteArray bytes = contentOf(diary.path());
+    const auto error = errorOf([&] { static_cast<void>(data::compact(diary.path())); });
+    EXPECT_EQ(error.code(), ErrorNumber::UnrecognisedFormat);
+    EXPECT_THAT(error.hint().toStdString(), HasSubstr("damaged"));
+    EXPECT_EQ(contentOf(diary.path()), bytes);
+}
+
+TEST_F(Compact, IsNoticedByAWindowThatHadTheDiaryOpen)
+{
+    data::Database window(diary.path());
+    data::Recordset readings = window.openRecordset(QStringLiteral("BloodSugarLevels"));
+    static_cast<void>(data::compact(diary.path()));
+    EXPECT_EQ(errorOf([&] { readings.edit(); }).code(), ErrorNumber::DiskError);
+    EXPECT_EQ(readingsIn(diary.path()), 50);
+}
+
+TEST_F(Compact, WaitsForAProgramThatReads)
+{
+    const QByteArray bytes = contentOf(diary.path());
+    data::Database window(diary.path());
+    const data::Database::Reading reading(window);
+    EXPECT_EQ(errorOf([&] { static_cast<void>(data::compact(diary.path())); }).code(), ErrorNumber::FileInUse);
+    EXPECT_EQ(contentOf(diary.path()), bytes);
+}
+
 } // namespace
