@@ -71,6 +71,35 @@ TEST(SaveReading, ATextThatIsNoNumberOrDateStoresNothing)
     EXPECT_THAT(storedReadings(diary.path()), IsEmpty());
 }
 
+TEST(SaveReading, ANumberBeyondAllNumbersOrNoneStoresNothing)
+{
+    const TestDiary diary;
+    EXPECT_EQ(errorOf(diary.path(), {"1e309", "03/03/2002", "08:15", 3, ""}), 6);
+    EXPECT_EQ(errorOf(diary.path(), {"nan", "03/03/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOf(diary.path(), {"inf", "03/03/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOf(diary.path(), {QString(10000, u'9'), "03/03/2002", "08:15", 3, ""}), 6);
+    EXPECT_EQ(errorOf(diary.path(), {"5.6", "03/03/2002", "08:15", 3, QString(10000, u'x')}), 3163);
+    EXPECT_THAT(storedReadings(diary.path()), IsEmpty());
+}
+
+TEST(SaveReading, AMomentOutsideTheCalendarStoresNothing)
+{
+    const TestDiary diary;
+    EXPECT_EQ(errorOf(diary.path(), {"5.6", "01/01/10000", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOf(diary.path(), {"5.6", "31/12/9999", "01/01/1900 08:15", 3, ""}), 6) << "their sum";
+    EXPECT_EQ(errorOf(diary.path(), {"5.6", "01/01/0100", "01/01/1800 08:15", 3, ""}), 6) << "their sum";
+    EXPECT_THAT(storedReadings(diary.path()), IsEmpty());
+}
+
+TEST(SaveReading, StoresTheLargestNumberAndMinusZeroAsZero)
+{
+    const TestDiary diary;
+    saveReading(diary.path(), {"1e308", "31/12/9999", "23:59", 3, "it's [50]% \"*?#\""});
+    saveReading(diary.path(), {"-0", "01/01/0100", "00:00", 3, "\t\u00e9\u4e2d"});
+    EXPECT_THAT(storedReadings(diary.path()), ElementsAre("1E+308 | 31/12/9999 23:59:00 | 3 | it's [50]% \"*?#\"",
+                                                          "0 | 01/01/0100 | 3 | \t\u00e9\u4e2d"));
+}
+
 TEST(SaveReading, WithoutAFileIsAnError)
 {
     EXPECT_EQ(errorOf("/nowhere/Nutrition.mdb", {"5.6", "3/3/2002", "8:15", 3, ""}), 3024);
