@@ -8,6 +8,7 @@
 #include "runtime/run_time_error.h"
 #include "support/test_diary.h"
 
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QToolButton>
@@ -198,6 +199,24 @@ TEST_F(EditReadings, OthersAddAndChangeReadingsWhileItIsOpen)
     EXPECT_THAT(storedReadings(path),
                 ElementsAre("6.5 | 05/03/2002 08:00:00 | 1 | one", "5.3 | 05/03/2002 10:00:00 | 3 | three",
                             "7.7 | 05/03/2002 11:00:00 | 4 | "));
+}
+
+TEST_F(EditReadings, AnotherFileInThePlaceOfItsOwnIsNeverWrittenInto)
+{
+    const TestDiary other;
+    const QString away = path + QStringLiteral(".away");
+    type("txtMmol", "6.5");
+    ASSERT_TRUE(QFile::rename(path, away));
+    ASSERT_TRUE(QFile::copy(other.path(), path));
+    const std::string box = "Run-time error '3043':\n\nDisk or network error.\n\nThe file " + path.toStdString() +
+                            " was moved, removed or replaced while it was open; open it again.";
+    expectError((box + " The change was not stored.").c_str());
+    click("cmdNext");
+    EXPECT_EQ(field("txtMmol").text().toStdString(), "6.5") << "what was typed stays";
+    EXPECT_THAT(storedReadings(path), testing::IsEmpty());
+    EXPECT_THAT(storedReadings(away),
+                ElementsAre("5.1 | 05/03/2002 08:00:00 | 1 | one", "5.2 | 05/03/2002 09:00:00 | 0 | ",
+                            "5.3 | 05/03/2002 10:00:00 | 3 | three"));
 }
 
 TEST_F(EditReadings, AddsAndDeletesNothingAndLeavesWhatIsNotChanged)
