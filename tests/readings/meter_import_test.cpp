@@ -221,6 +221,32 @@ TEST_F(MeterImports, StopAtAReadingThatIsNoNumberAndKeepWhatWasAdded)
     EXPECT_EQ(errorOf(" 05/03/2002, 08:15, 1e999\n").number(), 6);
 }
 
+TEST_F(MeterImports, StopAtAReadingThatNoNumberHolds)
+{
+    EXPECT_EQ(errorOf(" 05/03/2002, 08:15, 1e309\n").number(), 6);
+    EXPECT_EQ(errorOf(" 05/03/2002, 08:15, nan\n").number(), 13);
+    EXPECT_EQ(errorOf(" 05/03/2002, 08:15, -inf\n").number(), 13);
+    EXPECT_THAT(stored(), IsEmpty());
+    EXPECT_EQ(import(" 05/03/2002, 08:15, 1e308\n 05/03/2002, 08:16, -0\n"), 2);
+    EXPECT_THAT(stored(), ElementsAre("1E+308 | 05/03/2002 08:15:00 | 0 | ", "0 | 05/03/2002 08:16:00 | 0 | "));
+}
+
+TEST_F(MeterImports, PassOverDaysThatTheCalendarHasNot)
+{
+    EXPECT_EQ(import(" 29/02/2001, 08:15, 5.6\n 01/01/10000, 08:15, 5.6\n 31/12/0099, 08:15, 5.6\n"), 0);
+    EXPECT_EQ(import(" 31/12/9999, 23:59:59, 5.6\n"), 1);
+    EXPECT_THAT(stored(), ElementsAre("5.6 | 31/12/9999 23:59:59 | 0 | "));
+}
+
+TEST_F(MeterImports, PassOverNullCharactersWhereNoReadingIs)
+{
+    const QByteArray nulls(10, '\0');
+    EXPECT_EQ(import(" 05/03/2002, 08:15, 5.6\n" + nulls + "\n 06/03/2002, 08:15, 6.6," + nulls + "\n"), 2);
+    EXPECT_EQ(errorOf(" 07/03/2002, 08:" + nulls + "15, 7.6\n").number(), 13);
+    EXPECT_EQ(errorOf(" 07/03/2002, 08:15, 7" + nulls + ".6\n").number(), 13);
+    EXPECT_THAT(stored(), SizeIs(2));
+}
+
 TEST_F(MeterImports, StopAtATimeThatIsNone)
 {
     for (const char* time : {" 8 h", " 25:00", " \"08:15\"", " 08:15, 5.6"}) {
