@@ -11,8 +11,11 @@
 #include <QFileInfo>
 #include <QProcess>
 
-#include <chrono>
 #include <gtest/gtest.h>
+
+#include <sys/resource.h>
+
+#include <chrono>
 #include <thread>
 
 namespace soak {
@@ -25,31 +28,58 @@ struct Killed {
     std::string errors;
 };
 
-/// Returns when a commit is under way, or after a while without one.
-void waitForCommit(const QString& diaryPath)
+/// Waits for a while at most, and without a pause: what is waited for is over soon.
+template <typename Condition>
+void waitUntil(Condition holds)
 {
     QElapsedTimer clock;
     clock.start();
-    while (clock.elapsed() < 500 && !QFileInfo::exists(diaryPath + QStringLiteral("-journal"))) {
+    while (clock.elapsed() < 1000 && !holds()) {
     }
 }
 
-/// A moment by chance: sometimes while it starts, and takes back what the one before it left, sometimes amid its work,
-/// sometimes amid a commit.
-Killed writeAndBeKilled(const QString& diaryPath, quint64 seed, int first, Dice& dice)
+/// Lets the process die at its first write beyond that size of a file.
+void dieAtSize(QProcess& process, qint64 bytes)
 {
-    QProcess writer;
-    writer.start(QStringLiteral(SOAK_WRITER), {diaryPath, QString::number(seed), QString::number(first)});
+    process.setChildProcessModifier([bytes] {
+        const rlimit noCore{0, 0};
+        const rlimit size{static_cast<rlim_t>(bytes), static_cast<rlim_t>(bytes)};
+        setrlimit(RLIMIT_CORE, &noCore);
+        setrlimit(RLIMIT_FSIZE, &size);
+    });
+}
+
+/// While it starts, and takes back what the one before it left; amid its work; amid a commit.
+void killSometime(QProcess& writer, const QString& diaryPath, Dice& dice)
+{
     int mostMicroseconds = 60000;
     if (!dice.oneIn(4))
         static_cast<void>(writer.waitForReadyRead(20000)); // it is at work
     if (dice.oneIn(2)) {
-        waitForCommit(diaryPath);
+        waitUntil([&] { return QFileInfo::exists(diaryPath + QStringLiteral("-journal")); });
         mostMicroseconds = 1000;
     }
     std::this_thread::sleep_for(std::chrono::microseconds(dice.below(mostMicroseconds)));
     writer.kill();
-    static_cast<void>(writer.waitForFinished(20000));
+}
+
+/// At a moment by chance; or, as no other process is quick enough for that, amid the writing of a commit's pages, where
+/// the diary grows.
+Killed writeAndBeKilled(const QString& diaryPath, quint64 seed, int first, Dice& dice)
+{
+    constexpr qint64 kPage = 4096;
+    QProcess writer;
+    const bool diesByItself = dice.oneIn(3);
+    if (diesByItself)
+        dieAtSize(writer, QFileInfo(diaryPath).size() + dice.below(20) * kPage);
+    writer.start(QStringLiteral(SOAK_WRITER), {diaryPath, QString::number(seed), QString::number(first)});
+    // What grows no more within the time is killed like the others.
+    if (!diesByItself || !writer.waitForFinished(2000))
+        killSometime(writer, diaryPath, dice);
+    if (writer.state() != QProcess::NotRunning) {
+        EXPECT_TRUE(writer.waitForFinished(60000));
+    }
+    EXPECT_EQ(writer.exitStatus(), QProcess::CrashExit);
 
     Killed killed{first - 1, writer.readAllStandardError().toStdString()};
     const QList<QByteArray> lines = writer.readAllStandardOutput().split('\n');
@@ -81,7 +111,7 @@ TEST(KilledWriter, LosesNothingThatItReportedAndLeavesNoStepHalfDone)
     int works = 0;
     int journals = 0;
     int underWay = 0;
-    for (int round = 0, rounds = roundsOr(15); round < rounds; ++round) {
+    for (int round = 0, rounds = roundsOr(10); round < rounds; ++round) {
         const Killed killed = writeAndBeKilled(diary.path(), seed, first, dice);
         const bool leftJournal = QFileInfo::exists(diary.path() + QStringLiteral("-journal"));
         for (int number = first; number <= killed.done; ++number)

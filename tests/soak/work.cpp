@@ -120,7 +120,8 @@ Work workNumbered(std::uint64_t seed, int number)
         work.readings.front().type = dice.between(1, 8);
         break;
     case Work::Kind::Import:
-        for (int count = dice.between(1, 60); count > 0; --count)
+        // The large ones write many pages at once.
+        for (int count = dice.oneIn(2) ? dice.between(1, 60) : dice.between(500, 1000); count > 0; --count)
             work.readings.push_back(anyReading(dice));
         break;
     case Work::Kind::SaveMeal:
