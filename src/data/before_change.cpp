@@ -16,14 +16,11 @@ BeforeChange::Call& installedCall()
 
 } // namespace
 
-BeforeChange::BeforeChange(Call call)
-{
-    installedCall() = std::move(call);
-}
+BeforeChange::BeforeChange(Call call) : outer_(std::exchange(installedCall(), std::move(call))) {}
 
 BeforeChange::~BeforeChange()
 {
-    installedCall() = nullptr;
+    installedCall() = std::move(outer_);
 }
 
 void announceChange(Session& session)

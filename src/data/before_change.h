@@ -9,7 +9,7 @@ namespace data {
 
 /// As long as it lives, the call gets the diary's path before each change that this process makes through Database and
 /// Recordset: before its transaction begins, and before a batch once. It may open the diary and must not throw: nothing
-/// keeps an entry from being stored. Not to be nested.
+/// keeps an entry from being stored. While another one lives, that one is called instead.
 class BeforeChange
 {
 public:
@@ -19,6 +19,9 @@ public:
     BeforeChange(const BeforeChange&) = delete;
     BeforeChange& operator=(const BeforeChange&) = delete;
     ~BeforeChange();
+
+private:
+    Call outer_;
 };
 
 } // namespace data

@@ -1,6 +1,7 @@
 #include "data/safekeeping/dated_copies.h"
 
 #include "data/engine/error_translation.h"
+#include "data/engine/session.h"
 #include "data/safekeeping/diary_file.h"
 
 #include <QDate>
@@ -118,10 +119,11 @@ void DatedCopies::makeCopy(const QString& diary, runtime::Date day)
     copies.make();
     const QStringList damage = translating(diary, [&] {
         const std::unique_ptr<jet::Database> file = openDiary(diary);
+        const ReadScope reading(*file);
         try {
             file->copyTo(path.toStdString());
-        } catch (const jet::Error& error) {
-            if (error.code() != jet::ErrorCode::FileExists) {
+        } catch (const jet::Error&) {
+            if (!QFileInfo::exists(path)) {
                 throw; // else another program has just made it
             }
         }

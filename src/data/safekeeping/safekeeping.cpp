@@ -1,6 +1,7 @@
 #include "data/safekeeping/safekeeping.h"
 
 #include "data/engine/error_translation.h"
+#include "data/engine/session.h"
 #include "data/safekeeping/dated_copies.h"
 #include "data/safekeeping/diary_file.h"
 
@@ -31,16 +32,20 @@ void requireOtherFile(const QString& backup, const QString& diary)
     }
 }
 
-std::unique_ptr<jet::Database> openSoundBackup(const QString& path)
-{
-    std::unique_ptr<jet::Database> backup =
-        jet::Database::open(jet::posixFileSystem(), path.toStdString(), jet::OpenMode::ReadOnly);
-    if (const QStringList damage = damageIn(*backup); !damage.isEmpty()) {
-        throw RunTimeError(ErrorNumber::UnrecognisedFormat, QStringLiteral("The backup '%1' is damaged.").arg(path),
-                           QStringLiteral("The diary was left as it is. %1").arg(damage.constFirst()));
+/// A backup that was found sound, and that nobody changes while it is copied.
+struct SoundBackup {
+    explicit SoundBackup(const QString& path)
+        : file(jet::Database::open(jet::posixFileSystem(), path.toStdString(), jet::OpenMode::ReadOnly)), reading(*file)
+    {
+        if (const QStringList damage = damageIn(*file); !damage.isEmpty()) {
+            throw RunTimeError(ErrorNumber::UnrecognisedFormat, QStringLiteral("The backup '%1' is damaged.").arg(path),
+                               QStringLiteral("The diary was left as it is. %1").arg(damage.constFirst()));
+        }
     }
-    return backup;
-}
+
+    std::unique_ptr<jet::Database> file;
+    ReadScope reading;
+};
 
 /// Beside the file that the diary is.
 QString nameForDamaged(const QString& diary, const runtime::Clock& clock)
@@ -94,6 +99,7 @@ BackUp backUp(const QString& diary, const QString& destination)
     requireFolderOf(destination);
     return translating(diary, [&] {
         const std::unique_ptr<jet::Database> file = openDiary(diary);
+        const ReadScope reading(*file); // what is checked is what was copied
         file->copyTo(destination.toStdString());
         return BackUp{destination, damageIn(*file)};
     });
@@ -110,13 +116,13 @@ Restored restore(const QString& backup, const QString& diary, const runtime::Clo
 {
     requireFolderOf(diary);
     requireOtherFile(backup, diary);
-    const std::unique_ptr<jet::Database> source = translating(backup, [&] { return openSoundBackup(backup); });
+    const SoundBackup source = translating(backup, [&] { return SoundBackup(backup); });
     const QFileInfo file(diary);
     const QString path = file.exists() ? file.canonicalFilePath() : diary;
     return translating(diary, [&] {
         const std::unique_ptr<jet::Database> present = holdDiary(path);
         if (present == nullptr) {
-            return restoreOverUnusable(*source, path, clock);
+            return restoreOverUnusable(*source.file, path, clock);
         }
         Restored restored;
         restored.wasDamaged = !damageIn(*present).isEmpty();
@@ -128,7 +134,7 @@ Restored restore(const QString& backup, const QString& diary, const runtime::Clo
             restored.kept = copies.freeNameFor(clock.today(), QStringLiteral(" before restoring"));
         }
         present->copyTo(restored.kept.toStdString());
-        present->replaceByCopyOf(*source);
+        present->replaceByCopyOf(*source.file);
         return restored;
     });
 }

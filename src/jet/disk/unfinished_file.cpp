@@ -71,7 +71,9 @@ void UnfinishedFile::removeLeftovers()
     if (fileSystem_->exists(path_)) {
         const std::unique_ptr<File> leftover = fileSystem_->open(path_, OpenMode::ReadOnly);
         leftover->lock(LockLevel::Shared, Pager::kPatience);
-        fileSystem_->remove(path_);
+        if (leftover->isInPlace()) { // else it has just been finished
+            fileSystem_->remove(path_);
+        }
     }
     for (const std::string& leftover : {journal.path(), journal.unfinishedPath()}) {
         if (fileSystem_->exists(leftover)) {

@@ -195,8 +195,10 @@ TEST_F(DatedCopies, ABatchMakesOneBeforeItBegins)
         batch.commit();
         EXPECT_EQ(calls, 1);
     }
+    EXPECT_FALSE(QFileInfo::exists(folder())) << "the inner call was made instead of the outer";
     addReading();
-    EXPECT_EQ(calls, 1) << "the call is gone with its object";
+    EXPECT_EQ(calls, 1) << "the inner call is gone with its object";
+    EXPECT_THAT(namesIn(folder()), SizeIs(1));
 }
 
 TEST_F(DatedCopies, AChangeWithinAReadMakesOne)
