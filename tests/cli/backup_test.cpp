@@ -1,6 +1,8 @@
 // backup, and the copies that are made before changes.
 
 #include "cli/quillonctl.h"
+#include "data/database.h"
+#include "runtime/run_time_error.h"
 #include "support/test_diary.h"
 
 #include <QDate>
@@ -116,6 +118,18 @@ TEST_F(Backup, IsMadeBeforeTheFirstChangeOfTheDay)
     EXPECT_NE(contentOf(diary.path()), before);
 }
 
+TEST_F(Backup, IsMadeBeforeAnImport)
+{
+    diary.addReading(QStringLiteral("05/03/2002 08:15"), 5.6, 1);
+    const QByteArray before = contentOf(diary.path());
+    const QString meter = folder.filePath(QStringLiteral("meter.csv"));
+    writeFile(meter, " 05/03/2002, 12:00, 6.6\r\n 05/03/2002, 13:00, 7.6\r\n");
+    const Outcome outcome = run("import", {diary.path(), meter});
+    EXPECT_EQ(outcome.out, "2 readings added\n") << outcome.err;
+    ASSERT_EQ(copies().size(), 1);
+    EXPECT_EQ(contentOf(besideDiary(QStringLiteral("backups/")) + copies().constFirst()), before);
+}
+
 TEST_F(Backup, IsNotMadeForReading)
 {
     EXPECT_EQ(run("tables", {diary.path()}).status, 0);
@@ -186,6 +200,23 @@ TEST_F(Backup, CompactSaysTheSizesAndKeepsTheRecords)
               (diary.path() + QStringLiteral(": %1 bytes, before %2\n").arg(after).arg(before)).toStdString());
     EXPECT_EQ(run("dump", {diary.path(), QStringLiteral("BloodSugarLevels")}).out, records);
     EXPECT_EQ(run("check", {diary.path()}).status, 0);
+}
+
+TEST_F(Backup, CompactIsNoticedByAProgramThatHasTheDiaryOpen)
+{
+    diary.addReading(QStringLiteral("05/03/2002 08:15"), 5.6, 1);
+    data::Database window(diary.path());
+    data::Recordset readings = window.openRecordset(QStringLiteral("BloodSugarLevels"));
+    EXPECT_EQ(run("compact", {diary.path()}).status, 0);
+    const QByteArray compacted = contentOf(diary.path());
+    try {
+        readings.edit();
+        ADD_FAILURE() << "the old file is still in use";
+    } catch (const runtime::RunTimeError& error) {
+        EXPECT_EQ(error.code(), runtime::ErrorNumber::DiskError);
+        EXPECT_THAT(error.hint().toStdString(), HasSubstr("open it again"));
+    }
+    EXPECT_EQ(contentOf(diary.path()), compacted);
 }
 
 TEST_F(Backup, CompactRefusesADamagedDiary)
