@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr long kTellEvery = 10000;
+
 struct Bounds {
     quint64 seed = 1;
     long operations = 1000;
@@ -73,6 +75,8 @@ int main(int argumentCount, char** arguments)
             soak.step();
             if (soak.steps() % bounds.compareEvery == 0)
                 soak.compare();
+            if (soak.steps() % kTellEvery == 0)
+                std::cerr << soak.steps() << " operations\n";
         }
         soak.compare();
     } catch (const std::exception& difference) {
