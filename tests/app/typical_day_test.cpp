@@ -5,8 +5,8 @@
 
 #include "runtime/conversions.h"
 
+#include <QAbstractItemView>
 #include <QLabel>
-#include <QListWidget>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -49,9 +49,10 @@ protected:
         searchField.setFocus();
         QTest::keyClicks(&searchField, QLatin1String(search));
         QTest::keyClick(&searchField, Qt::Key_Return);
-        auto& found = child<QListWidget>(builder, "lstSearch");
-        ASSERT_EQ(found.count(), 1);
-        QTest::mouseClick(found.viewport(), Qt::LeftButton, {}, found.visualItemRect(found.item(0)).center());
+        testing_windows::handlePostedEvents(); // the list shows its lines with the next event
+        auto& found = child<QAbstractItemView>(builder, "lstSearch");
+        ASSERT_EQ(found.model()->rowCount(), 1);
+        QTest::mouseClick(found.viewport(), Qt::LeftButton, {}, found.visualRect(found.model()->index(0, 0)).center());
         auto& quantity = child<QLineEdit>(builder, "txtQuantity");
         ASSERT_TRUE(quantity.hasFocus());
         QTest::keyClicks(&quantity, QLatin1String(grams));
