@@ -219,7 +219,7 @@ TEST_F(DatedCopies, AFolderThatCannotBeWrittenIsToldOnceADayAndTheEntryIsStored)
     addReading();
     EXPECT_EQ(readingsIn(diary.path()), 2);
     ASSERT_THAT(told, SizeIs(1));
-    EXPECT_THAT(told.front(), HasSubstr("The entry is stored all the same."));
+    EXPECT_THAT(told.front(), HasSubstr("This keeps no entry from being stored."));
     EXPECT_THAT(told.front(), HasSubstr("backups"));
     today("22/11/2026");
     addReading();
