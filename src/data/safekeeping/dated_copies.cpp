@@ -23,9 +23,8 @@ QString failureWords(const QString& diary, const RunTimeError& error)
     // The usual hint on a full disk speaks of the change itself.
     const bool hasHint = !error.hint().isEmpty() && error.code() != ErrorNumber::DiskFull;
     const QString reason = hasHint ? error.words() + u' ' + error.hint() : error.words();
-    return QStringLiteral(
-               "No copy of the diary '%1' could be made before today's first change. This keeps no entry "
-               "from being stored.\n\n%2")
+    return QStringLiteral("No copy of the diary '%1' could be made before today's first change. This keeps no entry "
+                          "from being stored.\n\n%2")
         .arg(diary, reason);
 }
 
