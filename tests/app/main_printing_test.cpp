@@ -31,19 +31,6 @@ protected:
                                        QString("Quillon")))
             .WillOnce([] { EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "no hourglass over the box"; });
     }
-
-    /// The only document, which has been printed, and its only page.
-    const PrintedPage& onlyPage()
-    {
-        static const PrintedPage none;
-        EXPECT_THAT(printers.printout, SizeIs(1));
-        if (printers.printout.size() != 1 || printers.printout[0].pages.size() != 1) {
-            ADD_FAILURE() << "not one document of one page";
-            return none;
-        }
-        EXPECT_TRUE(printers.printout[0].isPrinted());
-        return printers.printout[0].pages[0];
-    }
 };
 
 TEST_F(MainPrinting, TheDisplayedReportIsPrintedInItsColumnsAndColours)
@@ -51,7 +38,7 @@ TEST_F(MainPrinting, TheDisplayedReportIsPrintedInItsColumnsAndColours)
     diary.addReading("02/03/2002 08:15", 3.5, 1);
     choose("mnuReports", "mnuBasicBloodSugar");
     print("mnuPrintCurrent");
-    const PrintedPage& page = onlyPage();
+    const PrintedPage& page = printers.onlyPage();
     EXPECT_THAT(page.words(), ElementsAre("Mmol", "When", "Type", "Comment", " ", "03.5", "02/03/2002 08:15:00",
                                           "Getting Up", "", "Page - 1"));
     EXPECT_TRUE(page.texts[0].bold);
@@ -69,7 +56,7 @@ TEST_F(MainPrinting, SelectedLinesAlonePrintInTheOrderOfTheList)
     view().addToSelection(3);
     view().addToSelection(1);
     print("mnuSelCurr");
-    EXPECT_THAT(onlyPage().words(), ElementsAre("two", "four", "Page - 1"));
+    EXPECT_THAT(printers.onlyPage().words(), ElementsAre("two", "four", "Page - 1"));
 }
 
 TEST_F(MainPrinting, WithNothingSelectedThereIsNoPrintoutAndNoQuestionForAPrinter)
@@ -83,7 +70,7 @@ TEST_F(MainPrinting, WithNothingSelectedThereIsNoPrintoutAndNoQuestionForAPrinte
 TEST_F(MainPrinting, AnEmptyListPrintsItsPageNumber)
 {
     print("mnuPrintCurrent");
-    EXPECT_THAT(onlyPage().words(), ElementsAre("Page - 1"));
+    EXPECT_THAT(printers.onlyPage().words(), ElementsAre("Page - 1"));
     EXPECT_THAT(printers.documents, ElementsAre("Report")) << "a document has a name";
 }
 
@@ -129,8 +116,9 @@ TEST_F(MainPrinting, TheBasicReportOnPaperHasTheWholeHistoryWhateverTheFilter)
     diary.addReading("28/02/1990 12:00", 7.0, 2);
     diary.addReading("02/03/2002 08:15", 5.6, 2);
     print("mnuPrntBasicBloodSugar");
-    EXPECT_THAT(onlyPage().words(), ElementsAre("Mmol\tWhen\tType\tComment", "", "\t07.0\t28/02/1990 12:00:00\tMeal\t",
-                                                "\t05.6\t02/03/2002 08:15:00\tMeal\t"));
+    EXPECT_THAT(printers.onlyPage().words(),
+                ElementsAre("Mmol\tWhen\tType\tComment", "", "\t07.0\t28/02/1990 12:00:00\tMeal\t",
+                            "\t05.6\t02/03/2002 08:15:00\tMeal\t"));
     EXPECT_TRUE(state().lstView.isEmpty()) << "the screen stays as it was";
 }
 
@@ -148,7 +136,7 @@ TEST_F(MainPrinting, TheBasicReportOnPaperWithoutReadingsIsAnErrorAndPrintsNothi
 TEST_F(MainPrinting, ThePrintedWindowStandsInTheMiddleUnderItsCaption)
 {
     print("mnuPrintDailyAnalysis");
-    const PrintedPage& page = onlyPage();
+    const PrintedPage& page = printers.onlyPage();
     ASSERT_THAT(page.words(), ElementsAre("Quillon - Daily Meal Blood Sugar Change"));
     ASSERT_THAT(page.images, SizeIs(1));
     const PrintedImage& image = page.images[0];

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "app/frmMain.h"
-#include "app/recording_printers.h"
 #include "controls/mock_dialogs.h"
 #include "controls/window_testing.h"
 #include "runtime/clock.h"
+#include "support/recording_printers.h"
 #include "support/test_diary.h"
 
 #include <QComboBox>

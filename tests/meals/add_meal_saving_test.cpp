@@ -346,27 +346,13 @@ TEST_F(AddMealSaving, TheOverallDiaryShowsTheStoredMeal)
 
 // --- On paper ---
 
-class AddMealPrinting : public AddMealSaving
-{
-protected:
-    const PrintedPage& onlyPage()
-    {
-        static const PrintedPage none;
-        EXPECT_THAT(printers.printout, SizeIs(1));
-        if (printers.printout.size() != 1 || printers.printout[0].pages.size() != 1) {
-            ADD_FAILURE() << "not one document of one page";
-            return none;
-        }
-        EXPECT_TRUE(printers.printout[0].isPrinted());
-        return printers.printout[0].pages[0];
-    }
-};
+using AddMealPrinting = AddMealSaving;
 
 TEST_F(AddMealPrinting, AnUntouchedBuilderPrintsThreeLines)
 {
     click("cmdPrintMeal");
-    EXPECT_THAT(onlyPage().words(), ElementsAre("Qty gms", "Food Description", "Carb", "Fat", "Protein", " ", "Total",
-                                                "", "00.0", "00.0", "00.0", "Page - 1"));
+    EXPECT_THAT(printers.onlyPage().words(), ElementsAre("Qty gms", "Food Description", "Carb", "Fat", "Protein", " ",
+                                                         "Total", "", "00.0", "00.0", "00.0", "Page - 1"));
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
@@ -374,7 +360,7 @@ TEST_F(AddMealPrinting, ColumnsStandAtTheirPositionsInPlainBlack)
 {
     add("rice", "150");
     click("cmdPrintMeal");
-    const PrintedPage& page = onlyPage();
+    const PrintedPage& page = printers.onlyPage();
     std::vector<std::string> placed;
     for (const PrintedText& text : page.texts) {
         placed.push_back(text.text.toStdString() + " " + std::to_string(static_cast<int>(text.x)));

@@ -1,7 +1,6 @@
 // The meal builder on a diary of its own, for tests.
 #pragma once
 
-#include "app/recording_printers.h"
 #include "controls/mock_dialogs.h"
 #include "controls/report_list_view.h"
 #include "controls/window_testing.h"
@@ -9,6 +8,7 @@
 #include "meals/known_foods.h"
 #include "reports/report_state.h"
 #include "runtime/clock.h"
+#include "support/recording_printers.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -72,7 +72,7 @@ protected:
     KnownFoods foods;
     runtime::FixedClock clock{{}};
     controls::StrictDialogs dialogs;
-    app::RecordingPrinters printers;
+    RecordingPrinters printers;
     reports::ReportState state;
     QWidget owner;
     std::optional<frmAddMeal> form;

@@ -6,10 +6,10 @@
 
 #include <QSize>
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
-
-namespace app {
 
 /// Pages of A4 with margins of about an inch, as high as 64 lines.
 class RecordingPrinters : public controls::Printers
@@ -30,6 +30,16 @@ public:
         printer->failAtOutput(std::exchange(failAtOutput, 0));
         return printer;
     }
-};
 
-} // namespace app
+    /// Of the only document, which has been printed; the test fails where there is more or less.
+    [[nodiscard]] const PrintedPage& onlyPage() const
+    {
+        static const PrintedPage none;
+        if (printout.size() != 1 || printout[0].pages.size() != 1) {
+            ADD_FAILURE() << "not one document of one page";
+            return none;
+        }
+        EXPECT_TRUE(printout[0].isPrinted());
+        return printout[0].pages[0];
+    }
+};
