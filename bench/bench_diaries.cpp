@@ -1,5 +1,7 @@
 #include "bench_diaries.h"
 
+#include "sqlite_copy.h"
+
 #include "data/new_diary/diary_builder.h"
 #include "jet/database.h"
 
@@ -64,6 +66,16 @@ std::string Diaries::ofDays(int days)
         path = pathFor("days-" + std::to_string(days) + ".mdb");
         const runtime::FixedClock clock(runtime::Date{kFirstDay});
         data::createDiary({QString::fromStdString(path), QStringLiteral(QUILLON_FOODS), days}, clock);
+    }
+    return path;
+}
+
+std::string Diaries::sqliteOfDays(int days)
+{
+    std::string& path = made_["sqlite-days-" + std::to_string(days)];
+    if (path.empty()) {
+        path = pathFor("days-" + std::to_string(days) + ".sqlite");
+        static_cast<void>(copyDiary(ofDays(days), path));
     }
     return path;
 }

@@ -14,6 +14,8 @@ public:
     Diaries();
     /// A diary with the whole food table and so many invented days.
     [[nodiscard]] std::string ofDays(int days);
+    /// The same in SQLite's own format.
+    [[nodiscard]] std::string sqliteOfDays(int days);
     /// A diary without foods that holds so many readings.
     [[nodiscard]] std::string ofReadings(int readings);
     /// A path in the run's folder.

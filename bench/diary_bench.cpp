@@ -1,16 +1,13 @@
 // What a user waits for, measured beside other programs on the same data: run it where the disk is a real one.
 
 #include "bench_diaries.h"
-#include "sqlite_copy.h"
 
 #include "data/database.h"
 #include "jet/database.h"
 
 #include <benchmark/benchmark.h>
 
-#include <array>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
 namespace {
@@ -99,47 +96,6 @@ BENCHMARK(scanFoods)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(scanFoodsWithMdbTools)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(scanReadings)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(scanReadingsWithMdbTools)->UseRealTime()->Unit(benchmark::kMillisecond);
-
-// --- One reading, durable when the call returns ---
-
-void addReading(benchmark::State& state)
-{
-    const std::string copy = diaries().pathFor("add-" + std::to_string(state.range(0)) + ".mdb");
-    std::filesystem::copy_file(diaries().ofDays(static_cast<int>(state.range(0))), copy,
-                               std::filesystem::copy_options::overwrite_existing);
-    const auto file = jet::Database::open(jet::posixFileSystem(), copy);
-    jet::Table& table = file->table("BloodSugarLevels");
-    const jet::TableDefinition& definition = table.definition();
-    const std::array<jet::ColumnValue, 3> values{
-        {{definition.columnByName("BloodSugerLevel")->number, 5.6},
-         {definition.columnByName("ReadingTime")->number, jet::DateTime{45001.25}},
-         {definition.columnByName("ReadingType")->number, std::int32_t{2}}}};
-    for (auto _ : state) {
-        table.insert(values);
-    }
-}
-
-void addReadingWithSqlite(benchmark::State& state)
-{
-    const std::string days = std::to_string(state.range(0));
-    const bench::Sqlite connection = bench::copyDiary(diaries().ofDays(static_cast<int>(state.range(0))),
-                                                      diaries().pathFor("add-" + days + ".sqlite"));
-    sqlite3_stmt* statement = nullptr;
-    sqlite3_prepare_v2(
-        connection.get(),
-        "INSERT INTO BloodSugarLevels(BloodSugerLevel, ReadingTime, ReadingType) VALUES(5.6, 45001.25, 2)", -1,
-        &statement, nullptr);
-    for (auto _ : state) {
-        if (sqlite3_step(statement) != SQLITE_DONE) {
-            state.SkipWithError(sqlite3_errmsg(connection.get()));
-            break;
-        }
-        sqlite3_reset(statement);
-    }
-    sqlite3_finalize(statement);
-}
-BENCHMARK(addReading)->Arg(30)->Arg(3650)->UseRealTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK(addReadingWithSqlite)->Arg(30)->Arg(3650)->UseRealTime()->Unit(benchmark::kMicrosecond);
 
 // --- From the start of the process to the first painted window ---
 

@@ -36,18 +36,6 @@ void bind(sqlite3_stmt* statement, int position, const jet::Value& value)
     }
 }
 
-struct FinishStatement {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-using Statement = std::unique_ptr<sqlite3_stmt, FinishStatement>;
-
-Statement prepare(sqlite3* connection, const std::string& sql)
-{
-    sqlite3_stmt* statement = nullptr;
-    check(sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr), connection);
-    return Statement(statement);
-}
-
 Sqlite open(const std::string& path, int flags)
 {
     sqlite3* opened = nullptr;
@@ -116,7 +104,7 @@ void copyRows(sqlite3* connection, const jet::Table& table)
         for (std::size_t i = 0; i < columns.size(); ++i) {
             bind(insert.get(), static_cast<int>(i) + 1, rows->row().value(*columns[i]));
         }
-        check(sqlite3_step(insert.get()), connection);
+        static_cast<void>(step(insert.get()));
         sqlite3_reset(insert.get());
     }
 }
@@ -146,6 +134,20 @@ void execute(sqlite3* connection, const std::string& sql)
     check(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), connection);
 }
 
+Statement prepare(sqlite3* connection, const std::string& sql)
+{
+    sqlite3_stmt* statement = nullptr;
+    check(sqlite3_prepare_v2(connection, sql.c_str(), -1, &statement, nullptr), connection);
+    return Statement(statement);
+}
+
+bool step(sqlite3_stmt* statement)
+{
+    const int result = sqlite3_step(statement);
+    check(result, sqlite3_db_handle(statement));
+    return result == SQLITE_ROW;
+}
+
 Sqlite copyDiary(const std::string& diary, const std::string& sqliteFile)
 {
     std::filesystem::remove(sqliteFile); // the benchmark may run more than once
@@ -166,24 +168,6 @@ Sqlite copyDiary(const std::string& diary, const std::string& sqliteFile)
 Sqlite openSqlite(const std::string& sqliteFile)
 {
     return open(sqliteFile, SQLITE_OPEN_READONLY);
-}
-
-std::int64_t readAll(sqlite3* connection, const std::string& sql)
-{
-    const Statement statement = prepare(connection, sql);
-    std::int64_t rows = 0;
-    for (int result = sqlite3_step(statement.get()); result != SQLITE_DONE; result = sqlite3_step(statement.get())) {
-        check(result, connection);
-        for (int column = 0; column < sqlite3_column_count(statement.get()); ++column) {
-            if (sqlite3_column_type(statement.get(), column) == SQLITE_TEXT) {
-                static_cast<void>(sqlite3_column_text16(statement.get(), column));
-            } else {
-                static_cast<void>(sqlite3_column_double(statement.get(), column));
-            }
-        }
-        ++rows;
-    }
-    return rows;
 }
 
 } // namespace bench

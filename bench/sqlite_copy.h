@@ -3,7 +3,6 @@
 
 #include <sqlite3.h>
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -14,15 +13,22 @@ struct CloseSqlite {
 };
 using Sqlite = std::unique_ptr<sqlite3, CloseSqlite>;
 
-/// Throws std::runtime_error with SQLite's words.
+struct FinishStatement {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+using Statement = std::unique_ptr<sqlite3_stmt, FinishStatement>;
+
+// All throw std::runtime_error with SQLite's words.
+
 void execute(sqlite3* connection, const std::string& sql);
+[[nodiscard]] Statement prepare(sqlite3* connection, const std::string& sql);
+/// Whether there is a row at hand now.
+[[nodiscard]] bool step(sqlite3_stmt* statement);
 
 /// Makes an SQLite file with the diary's tables, keys, indexes and rows, and with its queries ExcelHistory and
 /// MealDetails as views; rollback journal and full synchronisation, as a durable insert needs them.
 [[nodiscard]] Sqlite copyDiary(const std::string& diary, const std::string& sqliteFile);
 /// Opens a file for reading.
 [[nodiscard]] Sqlite openSqlite(const std::string& sqliteFile);
-/// Reads every column of every row that the statement yields; returns how many rows.
-std::int64_t readAll(sqlite3* connection, const std::string& sql);
 
 } // namespace bench

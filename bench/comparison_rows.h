@@ -1,0 +1,13 @@
+// The groups of rows of the comparison, a file each. A group checks that both sides do the same before it times them,
+// and throws std::runtime_error when they do not.
+#pragma once
+
+#include "comparison.h"
+
+namespace bench {
+
+void compareQueries(ComparisonTable& table);      ///< the results of saved queries, beside SQLite
+void compareOverallDiary(ComparisonTable& table); ///< the largest report, beside SQLite's rows for it
+void compareDurableAdd(ComparisonTable& table);   ///< a reading that is safe when the call returns, beside SQLite
+
+} // namespace bench
