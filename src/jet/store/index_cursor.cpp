@@ -21,7 +21,7 @@ bool IndexCursor::next()
     if (ended_) {
         return false;
     }
-    if (!leaf_) {
+    if (leaf_ == nullptr) {
         seekStart();
     } else if (pager_->read(leaf_->number()) != leaf_->page()) {
         // A page that somebody holds never changes: one that was changed is another one when it is read again.
@@ -91,9 +91,9 @@ bool IndexCursor::stepBackwards()
     return true;
 }
 
-void IndexCursor::enter(IndexPage leaf)
+void IndexCursor::enter(IndexPageRef leaf)
 {
-    leaf_.emplace(std::move(leaf));
+    leaf_ = std::move(leaf);
     if (backwards_) {
         limit_ = leaf_->lowerBound(interval_.from, kBeforeRows);
     } else {
@@ -103,9 +103,9 @@ void IndexCursor::enter(IndexPage leaf)
 
 void IndexCursor::enterNeighbour(PageNumber neighbour)
 {
-    IndexPage leaf = tree_->read(neighbour);
-    const PageNumber linkBack = backwards_ ? leaf.header().next : leaf.header().previous;
-    if (!leaf.isLeaf() || linkBack != leaf_->number() || ++leavesEntered_ > pager_->pageCount()) {
+    IndexPageRef leaf = tree_->read(neighbour);
+    const PageNumber linkBack = backwards_ ? leaf->header().next : leaf->header().previous;
+    if (!leaf->isLeaf() || linkBack != leaf_->number() || ++leavesEntered_ > pager_->pageCount()) {
         throw Error(ErrorCode::Corrupt, neighbour, "An index is damaged: the links between its leaves are broken");
     }
     enter(std::move(leaf));

@@ -62,55 +62,63 @@ IndexCursor IndexTree::range(KeyInterval interval, bool backwards) const
     return IndexCursor(*pager_, *this, std::move(interval), backwards);
 }
 
-IndexPage IndexTree::read(PageNumber page) const
+IndexPageRef IndexTree::read(PageNumber number) const
 {
-    IndexPage decoded(pager_->read(page), page);
-    if (decoded.header().owner != owner_) {
-        refuse(page, "a page belongs to another table");
+    PageRef page = pager_->read(number);
+    if (const auto found = decoded_.find(number); found != decoded_.end() && found->second->page() == page) {
+        return found->second;
     }
+    auto decoded = std::make_shared<const IndexPage>(std::move(page), number);
+    if (decoded->header().owner != owner_) {
+        refuse(number, "a page belongs to another table");
+    }
+    if (decoded_.size() == kPagesKept) {
+        decoded_.clear();
+    }
+    decoded_.insert_or_assign(number, decoded);
     return decoded;
 }
 
-IndexPage IndexTree::leafFor(ByteView key, RowPointer row, Path* path) const
+IndexPageRef IndexTree::leafFor(ByteView key, RowPointer row, Path* path) const
 {
-    IndexPage page = read(root_);
-    for (std::size_t depth = 0; !page.isLeaf(); ++depth) {
+    IndexPageRef page = read(root_);
+    for (std::size_t depth = 0; !page->isLeaf(); ++depth) {
         if (depth == kMaximumDepth) {
-            refuse(page.number(), "its nodes form a ring");
+            refuse(page->number(), "its nodes form a ring");
         }
-        std::size_t child = page.lowerBound(key, row);
-        if (child == page.size() && page.header().tail == 0) {
+        std::size_t child = page->lowerBound(key, row);
+        if (child == page->size() && page->header().tail == 0) {
             --child; // what comes behind everything goes to the last child
         }
         if (path != nullptr) {
-            path->push_back({.node = page.number(), .child = child});
+            path->push_back({.node = page->number(), .child = child});
         }
-        page = read(child < page.size() ? page.child(child) : page.header().tail);
+        page = read(child < page->size() ? page->child(child) : page->header().tail);
     }
     return page;
 }
 
-IndexPage IndexTree::lastLeafUnder(PageNumber number) const
+IndexPageRef IndexTree::lastLeafUnder(PageNumber number) const
 {
-    IndexPage page = read(number);
-    for (std::size_t depth = 0; !page.isLeaf(); ++depth) {
+    IndexPageRef page = read(number);
+    for (std::size_t depth = 0; !page->isLeaf(); ++depth) {
         if (depth == kMaximumDepth) {
-            refuse(page.number(), "its nodes form a ring");
+            refuse(page->number(), "its nodes form a ring");
         }
-        const PageNumber tail = page.header().tail;
-        page = read(tail != 0 ? tail : page.child(page.size() - 1));
+        const PageNumber tail = page->header().tail;
+        page = read(tail != 0 ? tail : page->child(page->size() - 1));
     }
     return page;
 }
 
 Bytes IndexTree::lastEntryUnder(PageNumber page) const
 {
-    const IndexPage leaf = lastLeafUnder(page);
-    if (leaf.size() == 0) {
-        refuse(leaf.number(), "a leaf among others is empty");
+    const IndexPageRef leaf = lastLeafUnder(page);
+    if (leaf->size() == 0) {
+        refuse(leaf->number(), "a leaf among others is empty");
     }
     Bytes entry;
-    leaf.appendEntry(leaf.size() - 1, entry);
+    leaf->appendEntry(leaf->size() - 1, entry);
     return entry;
 }
 
@@ -125,7 +133,7 @@ void IndexTree::insert(ByteView key, RowPointer row)
         throw Error(ErrorCode::ValueTooLong, "A key is too long for an index");
     }
     const Spot spot = locate(key, row);
-    const IndexPage& leaf = spot.leaf;
+    const IndexPage& leaf = *spot.leaf;
     if (spot.occupied) {
         refuse(leaf.number(), "it holds an entry already that is to be added");
     }
@@ -148,7 +156,7 @@ void IndexTree::insert(ByteView key, RowPointer row)
 bool IndexTree::erase(ByteView key, RowPointer row)
 {
     const Spot spot = locate(key, row);
-    const IndexPage& leaf = spot.leaf;
+    const IndexPage& leaf = *spot.leaf;
     if (!spot.occupied) {
         return false;
     }
@@ -174,9 +182,9 @@ bool IndexTree::erase(ByteView key, RowPointer row)
 IndexTree::Spot IndexTree::locate(ByteView key, RowPointer row) const
 {
     Path path;
-    IndexPage leaf = leafFor(key, row, &path);
-    const std::size_t position = leaf.lowerBound(key, row);
-    const bool occupied = position < leaf.size() && leaf.compare(position, key, row) == 0;
+    IndexPageRef leaf = leafFor(key, row, &path);
+    const std::size_t position = leaf->lowerBound(key, row);
+    const bool occupied = position < leaf->size() && leaf->compare(position, key, row) == 0;
     return {.path = std::move(path), .leaf = std::move(leaf), .position = position, .occupied = occupied};
 }
 
@@ -193,7 +201,7 @@ void IndexTree::updateNodes(Path path, Children children, Growth growth)
 
 IndexTree::Children IndexTree::updateNode(const Step& step, const Children& children, bool overLeaves, Growth growth)
 {
-    IndexPageContent node(read(step.node));
+    IndexPageContent node(*read(step.node));
     const bool isTail = step.child == node.size();
     const bool isLast = isTail || (node.header.tail == 0 && step.child + 1 == node.size());
     if (isTail && children.size() == 1) {
@@ -274,7 +282,7 @@ IndexTree::Children IndexTree::split(PageNumber page, IndexPageContent content, 
     if (isLeaf && growth == Growth::AtTheEnd) {
         return splitOffLastEntry(page, std::move(content));
     }
-    const bool overLeaves = !isLeaf && read(childOf(content.entry(0))).isLeaf();
+    const bool overLeaves = !isLeaf && read(childOf(content.entry(0)))->isLeaf();
     checkLinksBack(page, content.header);
     const PageNumber added = allocate();
     const PageNumber before = content.header.previous;
@@ -288,10 +296,10 @@ IndexTree::Children IndexTree::split(PageNumber page, IndexPageContent content, 
                       {.page = page, .last = std::move(last)}};
     if (!isLeaf && !overLeaves) {
         // Nodes are linked with nodes of the same parent alone.
-        const IndexPage endOfFirst = read(childOf(lastOfFirst));
-        const IndexPage startOfSecond = read(childOf(content.entry(0)));
-        setNext(pager_->modify(endOfFirst.number()), 0);
-        setPrevious(pager_->modify(startOfSecond.number()), 0);
+        const IndexPageRef endOfFirst = read(childOf(lastOfFirst));
+        const IndexPageRef startOfSecond = read(childOf(content.entry(0)));
+        setNext(pager_->modify(endOfFirst->number()), 0);
+        setPrevious(pager_->modify(startOfSecond->number()), 0);
     }
     if (overLeaves) {
         settleTail(first);
@@ -348,8 +356,8 @@ PageNumber IndexTree::allocate()
 /// A link that leads elsewhere must not let a change spoil a page that is not concerned.
 void IndexTree::checkLinksBack(PageNumber page, const IndexPageHeader& header) const
 {
-    const bool previousLinksBack = header.previous == 0 || read(header.previous).header().next == page;
-    const bool nextLinksBack = header.next == 0 || read(header.next).header().previous == page;
+    const bool previousLinksBack = header.previous == 0 || read(header.previous)->header().next == page;
+    const bool nextLinksBack = header.next == 0 || read(header.next)->header().previous == page;
     if (!previousLinksBack || !nextLinksBack) {
         refuse(page, "a neighbour does not link back to it");
     }

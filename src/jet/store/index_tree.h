@@ -5,8 +5,10 @@
 #include "jet/store/usage_map.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace jet {
@@ -22,6 +24,9 @@ struct TreeFault {
     PageNumber page = 0;
     std::string text;
 };
+
+/// A page of a tree, decoded.
+using IndexPageRef = std::shared_ptr<const IndexPage>;
 
 class IndexTree;
 
@@ -45,7 +50,7 @@ private:
     [[nodiscard]] bool stepForwards();
     [[nodiscard]] bool stepBackwards();
     /// Makes the leaf the one at hand.
-    void enter(IndexPage leaf);
+    void enter(IndexPageRef leaf);
     void enterNeighbour(PageNumber neighbour);
     void give(std::size_t entry);
 
@@ -54,10 +59,10 @@ private:
     KeyInterval interval_;
     bool backwards_;
     bool ended_ = false;
-    std::optional<IndexPage> leaf_; ///< none: before the first step
-    std::size_t position_ = 0;      ///< in the leaf: forwards the entry to give next, backwards the one behind it
-    std::size_t limit_ = 0;         ///< in the leaf: where the interval ends forwards, begins backwards
-    PageNumber leavesEntered_ = 0;  ///< from neighbour to neighbour; more than the file has pages: the chain is a ring
+    IndexPageRef leaf_;            ///< null: before the first step
+    std::size_t position_ = 0;     ///< in the leaf: forwards the entry to give next, backwards the one behind it
+    std::size_t limit_ = 0;        ///< in the leaf: where the interval ends forwards, begins backwards
+    PageNumber leavesEntered_ = 0; ///< from neighbour to neighbour; more than the file has pages: the chain is a ring
     Bytes key_;
     RowPointer row_;
 };
@@ -122,16 +127,19 @@ private:
     /// Where an entry is or belongs.
     struct Spot {
         Path path;
-        IndexPage leaf;
+        IndexPageRef leaf;
         std::size_t position = 0;
         bool occupied = false; ///< the entry is there
     };
 
-    [[nodiscard]] IndexPage read(PageNumber page) const;
+    /// Pages to keep decoded: a walk that searches again and again, as a join does, comes by the same ones.
+    static constexpr std::size_t kPagesKept = 256;
+
+    [[nodiscard]] IndexPageRef read(PageNumber page) const;
     /// The leaf where the entry is or belongs.
-    [[nodiscard]] IndexPage leafFor(ByteView key, RowPointer row, Path* path = nullptr) const;
+    [[nodiscard]] IndexPageRef leafFor(ByteView key, RowPointer row, Path* path = nullptr) const;
     [[nodiscard]] Spot locate(ByteView key, RowPointer row) const;
-    [[nodiscard]] IndexPage lastLeafUnder(PageNumber page) const;
+    [[nodiscard]] IndexPageRef lastLeafUnder(PageNumber page) const;
     [[nodiscard]] Bytes lastEntryUnder(PageNumber page) const;
 
     void write(PageNumber page, const IndexPageContent& content);
@@ -150,6 +158,8 @@ private:
     PageNumber owner_;
     PageNumber root_;
     RowPointer pages_;
+    /// By page number; good while the pager still gives the page that was decoded.
+    mutable std::unordered_map<PageNumber, IndexPageRef> decoded_;
 };
 
 } // namespace jet

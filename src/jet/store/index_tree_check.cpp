@@ -50,7 +50,8 @@ private:
             return {};
         }
         try {
-            const IndexPage page = tree_->read(number);
+            const IndexPageRef read = tree_->read(number);
+            const IndexPage& page = *read;
             if (depth == 0) {
                 rootHeader_ = page.header();
             }
