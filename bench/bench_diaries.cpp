@@ -33,7 +33,7 @@ void fillReadings(const std::string& path, int count)
     for (int i = 0; i < count; ++i) {
         const double level = 3.0 + static_cast<double>(random() % 120) / 10;
         std::array<jet::ColumnValue, 4> values{{{columns[0], level},
-                                                {columns[1], jet::DateTime{kFirstDay + i / 288.0}},
+                                                {columns[1], jet::DateTime{timeOfReading(i).days}},
                                                 {columns[2], std::int32_t{1 + i % 6}},
                                                 {columns[3], jet::Null{}}}};
         if (i % 4 == 0) {
@@ -45,6 +45,11 @@ void fillReadings(const std::string& path, int count)
 }
 
 } // namespace
+
+runtime::Date timeOfReading(int number)
+{
+    return {kFirstDay + static_cast<double>(number) / kReadingsADay};
+}
 
 // Beside the program and not in /tmp, which may be kept in memory: syncing must cost what it costs.
 Diaries::Diaries() : folder_(QDir::currentPath() + QStringLiteral("/bench-XXXXXX"))
@@ -59,37 +64,43 @@ std::string Diaries::pathFor(const std::string& name) const
     return folder_.filePath(QString::fromStdString(name)).toStdString();
 }
 
-std::string Diaries::ofDays(int days)
+const std::string& Diaries::made(const std::string& name, const std::function<void(const std::string& path)>& make)
 {
-    std::string& path = made_["days-" + std::to_string(days)];
+    std::string& path = made_[name];
     if (path.empty()) {
-        path = pathFor("days-" + std::to_string(days) + ".mdb");
-        const runtime::FixedClock clock(runtime::Date{kFirstDay});
-        data::createDiary({QString::fromStdString(path), QStringLiteral(QUILLON_FOODS), days}, clock);
+        path = pathFor(name);
+        make(path);
     }
     return path;
 }
 
-std::string Diaries::sqliteOfDays(int days)
+std::string Diaries::ofDays(int days)
 {
-    std::string& path = made_["sqlite-days-" + std::to_string(days)];
-    if (path.empty()) {
-        path = pathFor("days-" + std::to_string(days) + ".sqlite");
-        static_cast<void>(copyDiary(ofDays(days), path));
-    }
-    return path;
+    return made("days-" + std::to_string(days) + ".mdb", [&](const std::string& path) {
+        const runtime::FixedClock clock(runtime::Date{kFirstDay});
+        data::createDiary({QString::fromStdString(path), QStringLiteral(QUILLON_FOODS), days}, clock);
+    });
 }
 
 std::string Diaries::ofReadings(int readings)
 {
-    std::string& path = made_["readings-" + std::to_string(readings)];
-    if (path.empty()) {
-        path = pathFor("readings-" + std::to_string(readings) + ".mdb");
+    return made("readings-" + std::to_string(readings) + ".mdb", [&](const std::string& path) {
         const runtime::FixedClock clock(runtime::Date{kFirstDay});
         data::createDiary({QString::fromStdString(path), {}, 0}, clock);
         fillReadings(path, readings);
-    }
-    return path;
+    });
+}
+
+std::string Diaries::sqliteOfDays(int days)
+{
+    return made("days-" + std::to_string(days) + ".sqlite",
+                [&](const std::string& path) { static_cast<void>(copyDiary(ofDays(days), path)); });
+}
+
+std::string Diaries::sqliteOfReadings(int readings)
+{
+    return made("readings-" + std::to_string(readings) + ".sqlite",
+                [&](const std::string& path) { static_cast<void>(copyDiary(ofReadings(readings), path)); });
 }
 
 Diaries& diaries()

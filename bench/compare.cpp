@@ -17,9 +17,10 @@ struct Group {
 };
 
 constexpr std::array kGroups{
-    Group{"queries", bench::compareQueries},
-    Group{"diary", bench::compareOverallDiary},
-    Group{"add", bench::compareDurableAdd},
+    Group{"scan", bench::compareScan},          Group{"queries", bench::compareQueries},
+    Group{"diary", bench::compareOverallDiary}, Group{"add", bench::compareDurableAdd},
+    Group{"import", bench::compareImport},      Group{"foods", bench::compareFoodSearch},
+    Group{"list", bench::compareList},          Group{"paint", bench::compareFirstPaint},
 };
 
 const Group* findGroup(std::string_view name)

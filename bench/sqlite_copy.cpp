@@ -109,6 +109,8 @@ void copyRows(sqlite3* connection, const jet::Table& table)
     }
 }
 
+constexpr const char* kDurably = "PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL";
+
 /// As the diary's saved queries have them.
 constexpr const char* kViews = R"(
     CREATE VIEW ExcelHistory AS
@@ -152,7 +154,8 @@ Sqlite copyDiary(const std::string& diary, const std::string& sqliteFile)
 {
     std::filesystem::remove(sqliteFile); // the benchmark may run more than once
     Sqlite connection = open(sqliteFile, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    execute(connection.get(), "PRAGMA journal_mode=DELETE; PRAGMA synchronous=FULL; PRAGMA page_size=4096; BEGIN");
+    execute(connection.get(), kDurably);
+    execute(connection.get(), "PRAGMA page_size=4096; BEGIN");
     const auto file = jet::Database::open(jet::posixFileSystem(), diary, jet::OpenMode::ReadOnly);
     for (const jet::TableEntry& entry : file->tables()) {
         if (!entry.system) {
@@ -165,9 +168,14 @@ Sqlite copyDiary(const std::string& diary, const std::string& sqliteFile)
     return connection;
 }
 
-Sqlite openSqlite(const std::string& sqliteFile)
+Sqlite openSqlite(const std::string& sqliteFile, Access access)
 {
-    return open(sqliteFile, SQLITE_OPEN_READONLY);
+    if (access == Access::Read) {
+        return open(sqliteFile, SQLITE_OPEN_READONLY);
+    }
+    Sqlite connection = open(sqliteFile, SQLITE_OPEN_READWRITE);
+    execute(connection.get(), kDurably);
+    return connection;
 }
 
 } // namespace bench

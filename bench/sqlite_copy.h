@@ -28,7 +28,8 @@ void execute(sqlite3* connection, const std::string& sql);
 /// Makes an SQLite file with the diary's tables, keys, indexes and rows, and with its queries ExcelHistory and
 /// MealDetails as views; rollback journal and full synchronisation, as a durable insert needs them.
 [[nodiscard]] Sqlite copyDiary(const std::string& diary, const std::string& sqliteFile);
-/// Opens a file for reading.
-[[nodiscard]] Sqlite openSqlite(const std::string& sqliteFile);
+enum class Access { Read, Write };
+/// Opens a file that copyDiary has made.
+[[nodiscard]] Sqlite openSqlite(const std::string& sqliteFile, Access access = Access::Read);
 
 } // namespace bench
