@@ -33,7 +33,7 @@ std::size_t digestOf(const Files& files)
 
 bool changesTheDisk(const Event& event)
 {
-    return !std::holds_alternative<Released>(event);
+    return !std::holds_alternative<jet::test::Released>(event);
 }
 
 } // namespace
@@ -70,7 +70,7 @@ std::vector<jet::Bytes> Trial::foundAfterEachRelease(const RecordingFileSystem& 
     std::vector<jet::Bytes> diaries;
     DiskState state(disk.start());
     for (std::size_t i = 0; i <= disk.events().size(); ++i) {
-        if (i == from || (i > from && std::holds_alternative<Released>(disk.events()[i - 1]))) {
+        if (i == from || (i > from && std::holds_alternative<jet::test::Released>(disk.events()[i - 1]))) {
             RecordingFileSystem there(state.seen());
             diaries.push_back(open(there).diary);
         }

@@ -11,8 +11,8 @@
 #pragma once
 
 #include "jet/database.h"
-#include "power_loss/disk_state.h"
-#include "power_loss/disk_trace.h"
+#include "jet/support/disk_state.h"
+#include "jet/support/disk_trace.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,6 +23,12 @@
 #include <vector>
 
 namespace power_loss {
+
+using jet::test::DiskState;
+using jet::test::Event;
+using jet::test::Files;
+using jet::test::RecordingFileSystem;
+using jet::test::Survival;
 
 /// How many of the endless possibilities are tried.
 struct Effort {

@@ -3,9 +3,9 @@
 #include "jet/database/diary_content.h"
 #include "jet/database/small_diary.h"
 #include "jet/disk/memory_file.h"
-#include "jet/support/crash_file_system.h"
 #include "jet/support/fault_file_system.h"
 #include "jet/support/journal_referee_file_system.h"
+#include "jet/support/power_failure.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -208,13 +208,13 @@ protected:
 
 TEST_P(CutShort, ByAPowerFailureAtAnyMomentAlsoOfTheRecovery)
 {
-    const std::size_t states = test::forEachCrash({
+    const std::size_t states = test::forEachPowerFailure({
         .prepare = [this](FileSystem& disk) { prepare(disk); },
         .body = [](FileSystem& disk) { change(disk); },
         .recover = [](FileSystem& disk) { recover(disk); },
         .check = [this](FileSystem& disk, bool finished) { expectOldOrNew(disk, finished); },
-        .seeds = test::seedCount(2),
-        .recoverySeeds = test::seedCount(1),
+        .choices = test::seedCount(2),
+        .recoveryChoices = test::seedCount(1),
     });
     EXPECT_GT(states, 50U);
 }

@@ -6,9 +6,9 @@
 #include "jet/database/small_diary.h"
 #include "jet/disk/memory_file.h"
 #include "jet/format/header_page.h"
-#include "jet/support/crash_file_system.h"
 #include "jet/support/error_matchers.h"
 #include "jet/support/fault_file_system.h"
+#include "jet/support/power_failure.h"
 #include "jet/support/sample_files.h"
 
 #include <algorithm>
@@ -292,7 +292,7 @@ TEST_F(Compaction, WaitsForAWriterSoThatNoChangeIsLost)
 TEST_F(Compaction, IsTheOldOrTheNewFileWhereverThePowerFails)
 {
     const Bytes old = disk.content(kDiary);
-    const std::size_t states = forEachCrash({
+    const std::size_t states = forEachPowerFailure({
         .prepare = [&old](FileSystem& other) { other.open(kDiary, OpenMode::Create)->writeAt(0, old); },
         .body = compact,
         .check =
@@ -305,7 +305,7 @@ TEST_F(Compaction, IsTheOldOrTheNewFileWhereverThePowerFails)
                     EXPECT_THAT(Database::open(other, kDiary)->check(), IsEmpty());
                 }
             },
-        .seeds = 2,
+        .choices = 2,
     });
     EXPECT_GT(states, 200U);
 }

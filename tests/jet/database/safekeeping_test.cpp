@@ -4,9 +4,10 @@
 #include "jet/database/small_diary.h"
 #include "jet/disk/memory_file.h"
 #include "jet/disk/pager.h"
-#include "jet/support/crash_file_system.h"
+#include "jet/support/disk_state.h"
 #include "jet/support/error_matchers.h"
 #include "jet/support/fault_file_system.h"
+#include "jet/support/power_failure.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -172,7 +173,7 @@ TEST_F(Copy, DoesNotDisturbAnotherProgramThatMakesTheSame)
 
 TEST_F(Copy, IsThereWholeOrNotAtAllWhereverThePowerFails)
 {
-    const std::size_t states = forEachCrash({
+    const std::size_t states = forEachPowerFailure({
         .prepare = [this](FileSystem& other) { prepare(other); },
         .body = [](FileSystem& other) { Database::open(other, kDiary)->copyTo("/diary/second.mdb"); },
         .check =
@@ -184,7 +185,7 @@ TEST_F(Copy, IsThereWholeOrNotAtAllWhereverThePowerFails)
                 Database::open(other, kDiary)->copyTo("/diary/third.mdb"); // the remains are in nobody's way
             },
     });
-    EXPECT_GT(states, 40U);
+    EXPECT_GT(states, 15U);
 }
 
 TEST_F(Copy, IsThereWholeOrNotAtAllWhicheverCallFails)
@@ -283,7 +284,7 @@ TEST_F(Replacement, IsNoticedByConnectionsToTheOldFile)
 
 TEST_F(Replacement, IsTheOldOrTheNewFileWhereverThePowerFails)
 {
-    const std::size_t states = forEachCrash({
+    const std::size_t states = forEachPowerFailure({
         .prepare = [this](FileSystem& other) { prepare(other); },
         .body = replaceByCopy,
         .check =
@@ -296,7 +297,7 @@ TEST_F(Replacement, IsTheOldOrTheNewFileWhereverThePowerFails)
                 }
             },
     });
-    EXPECT_GT(states, 40U);
+    EXPECT_GT(states, 15U);
 }
 
 TEST_F(Replacement, IsTheOldOrTheNewFileWhicheverCallFails)
@@ -316,27 +317,24 @@ TEST_F(Replacement, IsTheOldOrTheNewFileWhicheverCallFails)
 /// The diary with the journal of a commit that the power failed in.
 Files filesWithJournal(const MemoryFileSystem& disk)
 {
-    for (std::size_t operation = 0;; ++operation) {
-        CrashFileSystem crashing(disk.files());
-        crashing.failPowerAt(operation);
-        try {
-            insertMeal(*Database::open(crashing, kDiary));
-        } catch (const Error&) {
-            Files files = crashing.afterCrash({.writes = Survival::Fate::All, .names = Survival::Fate::All});
-            if (files.contains(kJournal) && files.at(kDiary) != disk.content(kDiary)) {
-                return files;
-            }
-            continue;
+    RecordingFileSystem recorded(disk.files());
+    insertMeal(*Database::open(recorded, kDiary));
+    DiskState state(recorded.start());
+    for (const Event& event : recorded.events()) {
+        state.apply(event);
+        Files files = state.seen();
+        if (files.contains(kJournal) && files.at(kDiary) != disk.content(kDiary)) {
+            return files;
         }
-        ADD_FAILURE() << "no crash left a journal beside a file that was written to";
-        return {};
     }
+    ADD_FAILURE() << "at no time a journal is beside a file that was written to";
+    return {};
 }
 
 TEST_F(Replacement, NeverMeetsTheJournalOfTheOldFile)
 {
     const Files files = filesWithJournal(disk);
-    const std::size_t states = forEachCrash({
+    const std::size_t states = forEachPowerFailure({
         .prepare =
             [&files](FileSystem& other) {
                 for (const auto& [path, content] : files) {
@@ -353,7 +351,7 @@ TEST_F(Replacement, NeverMeetsTheJournalOfTheOldFile)
                 EXPECT_THAT(Database::open(other, kDiary)->check(), IsEmpty());
             },
     });
-    EXPECT_GT(states, 80U);
+    EXPECT_GT(states, 35U);
 }
 
 TEST(ReplacementOnDisk, IsNoticedByAnotherProcess)
@@ -486,7 +484,7 @@ TEST_F(UnusableFile, StaysWhileAnotherProgramHasIt)
 TEST_F(UnusableFile, IsWholeUnderOneOfItsNamesWhereverThePowerFails)
 {
     disk.setContent(kJournal, journal);
-    const std::size_t states = forEachCrash({
+    const std::size_t states = forEachPowerFailure({
         .prepare = [this](FileSystem& other) { prepare(other); },
         .body = copyOver,
         .check =
@@ -497,7 +495,7 @@ TEST_F(UnusableFile, IsWholeUnderOneOfItsNamesWhereverThePowerFails)
                 }
             },
     });
-    EXPECT_GT(states, 60U);
+    EXPECT_GT(states, 30U);
 }
 
 TEST_F(UnusableFile, IsWholeUnderOneOfItsNamesWhicheverCallFails)

@@ -1,7 +1,6 @@
 // The file systems of the tests do what they promise: otherwise tests that use them could not fail.
 #include "jet/disk/journal.h"
 #include "jet/disk/pager_fixture.h"
-#include "jet/support/crash_file_system.h"
 #include "jet/support/fault_file_system.h"
 #include "jet/support/journal_referee_file_system.h"
 
@@ -11,68 +10,10 @@ namespace jet {
 namespace {
 
 using namespace test;
-using Fate = Survival::Fate;
 
 Bytes content(int fill)
 {
     return Bytes(kPageSize, static_cast<std::byte>(fill));
-}
-
-TEST(CrashFileSystem, WhatWasSyncedSurvives)
-{
-    CrashFileSystem disk;
-    const auto file = disk.open("a", OpenMode::Create);
-    file->writeAt(0, content(1));
-    file->sync();
-    disk.syncFolderOf("a");
-    for (const Survival& survival : Survival::several(5)) {
-        EXPECT_EQ(disk.afterCrash(survival), (Files{{"a", content(1)}})) << survival.describe();
-    }
-}
-
-TEST(CrashFileSystem, AFileWhoseNameWasNotSyncedMayBeGone)
-{
-    CrashFileSystem disk;
-    const auto file = disk.open("a", OpenMode::Create);
-    file->writeAt(0, content(1));
-    file->sync();
-    EXPECT_EQ(disk.afterCrash({.writes = Fate::All, .names = Fate::None}), Files{});
-    EXPECT_EQ(disk.afterCrash({.writes = Fate::None, .names = Fate::All}), (Files{{"a", content(1)}}));
-}
-
-TEST(CrashFileSystem, AWriteThatWasNotSyncedMayBeGoneOrTorn)
-{
-    CrashFileSystem disk({{"a", content(1)}});
-    disk.open("a", OpenMode::ReadWrite)->writeAt(0, content(2));
-    EXPECT_EQ(disk.files().at("a"), content(2));
-    EXPECT_EQ(disk.afterCrash({.writes = Fate::None}).at("a"), content(1));
-    EXPECT_EQ(disk.afterCrash({.writes = Fate::All}).at("a"), content(2));
-    bool torn = false;
-    for (std::uint64_t seed = 0; seed < 20; ++seed) {
-        const Bytes found = disk.afterCrash({.writes = Fate::Chance, .seed = seed}).at("a");
-        torn = torn || (found != content(1) && found != content(2));
-    }
-    EXPECT_TRUE(torn);
-}
-
-TEST(CrashFileSystem, ARemovalThatWasNotSyncedMayNotHaveHappened)
-{
-    CrashFileSystem disk({{"a", content(1)}});
-    disk.remove("a");
-    EXPECT_EQ(disk.afterCrash({.names = Fate::None}).count("a"), 1U);
-    EXPECT_EQ(disk.afterCrash({.names = Fate::All}).count("a"), 0U);
-}
-
-TEST(CrashFileSystem, FromTheFailureOnEveryCallFails)
-{
-    CrashFileSystem disk({{"a", content(1)}});
-    const auto file = disk.open("a", OpenMode::ReadWrite);
-    disk.failPowerAt(1);
-    file->writeAt(0, content(2));
-    EXPECT_THAT([&] { file->sync(); }, throwsError(ErrorCode::Io));
-    EXPECT_TRUE(disk.powerFailed());
-    EXPECT_THAT([&] { static_cast<void>(disk.exists("a")); }, throwsError(ErrorCode::Io));
-    EXPECT_EQ(disk.afterCrash({.writes = Fate::None}).at("a"), content(1)) << "the sync that failed did nothing";
 }
 
 TEST(FaultFileSystem, FailsOnceOrFromThenOn)

@@ -8,7 +8,7 @@
 //     itself: a renamed file may be there under both its names, or under none.
 #pragma once
 
-#include "power_loss/disk_trace.h"
+#include "jet/support/disk_trace.h"
 
 #include <cstdint>
 #include <map>
@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-namespace power_loss {
+namespace jet::test {
 
 /// Which of the things that were not synced survive.
 struct Survival {
@@ -55,10 +55,10 @@ private:
     /// A new size where there are no bytes.
     struct Change {
         std::uint64_t offset = 0;
-        std::optional<jet::Bytes> bytes;
+        std::optional<Bytes> bytes;
     };
     struct StoredFile {
-        jet::Bytes certain;
+        Bytes certain;
         std::vector<Change> unsynced;
     };
     /// What a path led to at the last sync of the folder, and then after each call that changed it.
@@ -67,7 +67,7 @@ private:
     class Chance;
 
     void lead(const std::string& path, std::optional<FileNumber> file);
-    [[nodiscard]] std::vector<Piece> piecesOf(const std::map<FileNumber, jet::Bytes>& files) const;
+    [[nodiscard]] std::vector<Piece> piecesOf(const std::map<FileNumber, Bytes>& files) const;
     static void choose(std::vector<Piece>& pieces, Survival::Kind kind, Chance& chance);
     static void tear(const Piece& piece, Chance& chance, std::vector<Piece>& survivors);
 
@@ -75,4 +75,4 @@ private:
     std::map<std::string, History> names_;
 };
 
-} // namespace power_loss
+} // namespace jet::test

@@ -1,10 +1,10 @@
-#include "power_loss/disk_trace.h"
+#include "jet/support/disk_trace.h"
 
 #include "jet/support/forwarding_file_system.h"
 
 #include <utility>
 
-namespace power_loss {
+namespace jet::test {
 
 namespace {
 
@@ -35,26 +35,26 @@ std::string describe(const Event& event)
 
 struct RecordingFileSystem::Record {
     Files start;
-    jet::MemoryFileSystem seen; ///< what programs see, and their locks
+    MemoryFileSystem seen; ///< what programs see, and their locks
     std::map<std::string, FileNumber> numbers;
     FileNumber nextNumber = 0;
     std::vector<Event> events;
 };
 
-class RecordingFileSystem::OpenFile final : public jet::test::ForwardingFile
+class RecordingFileSystem::OpenFile final : public ForwardingFile
 {
 public:
-    OpenFile(std::shared_ptr<Record> record, FileNumber number, std::unique_ptr<jet::File> file)
+    OpenFile(std::shared_ptr<Record> record, FileNumber number, std::unique_ptr<File> file)
         : ForwardingFile(std::move(file)), record_(std::move(record)), number_(number)
     {
     }
 
-    ~OpenFile() override { noteLevel(jet::LockLevel::None); }
+    ~OpenFile() override { noteLevel(LockLevel::None); }
 
-    void writeAt(std::uint64_t offset, jet::ByteView bytes) override
+    void writeAt(std::uint64_t offset, ByteView bytes) override
     {
         ForwardingFile::writeAt(offset, bytes);
-        record_->events.emplace_back(Written{number_, offset, jet::Bytes(bytes.begin(), bytes.end())});
+        record_->events.emplace_back(Written{number_, offset, Bytes(bytes.begin(), bytes.end())});
     }
 
     void truncate(std::uint64_t size) override
@@ -65,16 +65,16 @@ public:
 
     void sync() override { record_->events.emplace_back(Synced{number_}); }
 
-    void lock(jet::LockLevel level, std::chrono::milliseconds patience) override
+    void lock(LockLevel level, std::chrono::milliseconds patience) override
     {
         ForwardingFile::lock(level, patience);
         noteLevel(level);
     }
 
 private:
-    void noteLevel(jet::LockLevel level)
+    void noteLevel(LockLevel level)
     {
-        if (level_ == jet::LockLevel::Exclusive && level != jet::LockLevel::Exclusive) {
+        if (level_ == LockLevel::Exclusive && level != LockLevel::Exclusive) {
             record_->events.emplace_back(Released{});
         }
         level_ = level;
@@ -82,7 +82,7 @@ private:
 
     std::shared_ptr<Record> record_;
     FileNumber number_;
-    jet::LockLevel level_ = jet::LockLevel::None;
+    LockLevel level_ = LockLevel::None;
 };
 
 RecordingFileSystem::RecordingFileSystem(Files files) : record_(std::make_shared<Record>())
@@ -109,10 +109,10 @@ Files RecordingFileSystem::files() const
     return record_->seen.files();
 }
 
-std::unique_ptr<jet::File> RecordingFileSystem::open(const std::string& path, jet::OpenMode mode)
+std::unique_ptr<File> RecordingFileSystem::open(const std::string& path, OpenMode mode)
 {
-    std::unique_ptr<jet::File> file = record_->seen.open(path, mode);
-    if (mode == jet::OpenMode::Create) {
+    std::unique_ptr<File> file = record_->seen.open(path, mode);
+    if (mode == OpenMode::Create) {
         const FileNumber number = record_->nextNumber++;
         record_->numbers[path] = number;
         record_->events.emplace_back(Created{number, path});
@@ -120,10 +120,10 @@ std::unique_ptr<jet::File> RecordingFileSystem::open(const std::string& path, je
     return std::make_unique<OpenFile>(record_, record_->numbers.at(path), std::move(file));
 }
 
-std::unique_ptr<jet::File> RecordingFileSystem::createLike(const std::string& path, const std::string& model)
+std::unique_ptr<File> RecordingFileSystem::createLike(const std::string& path, const std::string& model)
 {
     static_cast<void>(resolve(model));
-    return open(path, jet::OpenMode::Create);
+    return open(path, OpenMode::Create);
 }
 
 std::string RecordingFileSystem::resolve(const std::string& path)
@@ -156,4 +156,4 @@ void RecordingFileSystem::syncFolderOf(const std::string& /*path*/)
     record_->events.emplace_back(FolderSynced{});
 }
 
-} // namespace power_loss
+} // namespace jet::test

@@ -1,4 +1,4 @@
-#include "power_loss/disk_state.h"
+#include "jet/support/disk_state.h"
 
 #include "jet/disk/journal.h"
 #include "jet/disk/page.h"
@@ -7,12 +7,7 @@
 #include <random>
 #include <utility>
 
-namespace power_loss {
-
-using jet::Bytes;
-using jet::ByteView;
-using jet::kPageSize;
-using jet::kSectorSize;
+namespace jet::test {
 
 /// A part of a change that survives or not by itself: at most a page of a write, or a new size.
 struct DiskState::Piece {
@@ -40,7 +35,7 @@ struct DiskState::Piece {
         if (content.size() < start + bytes.size()) {
             content.resize(start + bytes.size());
         }
-        jet::putBytes(content, start, bytes);
+        putBytes(content, start, bytes);
     }
 };
 
@@ -285,4 +280,4 @@ Files DiskState::afterPowerLoss(const Survival& survival) const
     return files;
 }
 
-} // namespace power_loss
+} // namespace jet::test

@@ -10,10 +10,10 @@
 #include <variant>
 #include <vector>
 
-namespace power_loss {
+namespace jet::test {
 
 /// All files of the one folder that there is, by path.
-using Files = std::map<std::string, jet::Bytes>;
+using Files = std::map<std::string, Bytes>;
 
 /// A file whatever its name is. Files that are there at the start are numbered from 0 in the order of their paths, new
 /// ones onwards.
@@ -26,7 +26,7 @@ struct Created {
 struct Written {
     FileNumber file = 0;
     std::uint64_t offset = 0;
-    jet::Bytes bytes;
+    Bytes bytes;
 };
 struct Resized {
     FileNumber file = 0;
@@ -54,7 +54,7 @@ using Event = std::variant<Created, Written, Resized, Synced, Renamed, Removed, 
 [[nodiscard]] std::string describe(const Event& event);
 
 /// A disk in memory that keeps a record of all that changes it.
-class RecordingFileSystem final : public jet::FileSystem
+class RecordingFileSystem final : public FileSystem
 {
 public:
     explicit RecordingFileSystem(Files files);
@@ -66,8 +66,8 @@ public:
     /// The files as running programs see them.
     [[nodiscard]] Files files() const;
 
-    [[nodiscard]] std::unique_ptr<jet::File> open(const std::string& path, jet::OpenMode mode) override;
-    [[nodiscard]] std::unique_ptr<jet::File> createLike(const std::string& path, const std::string& model) override;
+    [[nodiscard]] std::unique_ptr<File> open(const std::string& path, OpenMode mode) override;
+    [[nodiscard]] std::unique_ptr<File> createLike(const std::string& path, const std::string& model) override;
     [[nodiscard]] std::string resolve(const std::string& path) override;
     [[nodiscard]] bool exists(const std::string& path) override;
     void remove(const std::string& path) override;
@@ -80,4 +80,4 @@ private:
     std::shared_ptr<Record> record_;
 };
 
-} // namespace power_loss
+} // namespace jet::test
