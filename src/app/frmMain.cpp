@@ -76,8 +76,9 @@ void frmMain::Form_Resize()
 {
     const QSize inner = centralWidget()->size();
     bar_.fraToolBar->setGeometry(0, 0, inner.width(), bar_.fraToolBar->height());
-    if (!isMinimized())
+    if (!isMinimized()) {
         lstView->setGeometry(0, bar_.fraToolBar->height(), inner.width(), inner.height() - bar_.fraToolBar->height());
+    }
 }
 
 void frmMain::txtFrom_LostFocus()
@@ -107,16 +108,18 @@ void frmMain::ChangeDate(QLineEdit& field)
 
 void frmMain::cmdApply_Click()
 {
-    if (!focus_->moveTo(*bar_.cmdApply))
+    if (!focus_->moveTo(*bar_.cmdApply)) {
         return;
+    }
     setFilterFromFields();
     state_.lstView.clear();
 }
 
 void frmMain::cmdClear_Click()
 {
-    if (!focus_->moveTo(*bar_.cmdClear))
+    if (!focus_->moveTo(*bar_.cmdClear)) {
         return;
+    }
     state_.strWhere.clear();
     bar_.txtFrom->clear();
     bar_.txtTo->clear();
@@ -177,8 +180,9 @@ void frmMain::mnuFindNext_Click()
 
 void frmMain::showFound(std::optional<qsizetype> line)
 {
-    if (!line)
+    if (!line) {
         return;
+    }
     const int found = static_cast<int>(*line);
     lstView->addToSelection(found);
     lstView->setTopIndex(found - kLinesAboveFound);
@@ -222,8 +226,9 @@ void frmMain::mnuStats_Click()
 void frmMain::mnuPrntBasicBloodSugar_Click()
 {
     const auto printer = world_.printers.open(this, QStringLiteral("Basic Blood Sugar Data"));
-    if (!printer)
+    if (!printer) {
         return;
+    }
     const controls::HourglassPointer hourglass;
     reports::printBasicReport(*printer, state_);
 }
@@ -231,11 +236,12 @@ void frmMain::mnuPrntBasicBloodSugar_Click()
 void frmMain::mnuPrintDailyAnalysis_Click()
 {
     const QString caption = QStringLiteral("Quillon - Daily Meal Blood Sugar Change");
-    if (const auto printer = world_.printers.open(this, caption))
+    if (const auto printer = world_.printers.open(this, caption)) {
         printWindow(*this, caption,
                     {QStringLiteral("mnuPrntReports"), QStringLiteral("mnuAdd"), QStringLiteral("mnuFile"),
                      QStringLiteral("mnuReports")},
                     *printer);
+    }
 }
 
 void frmMain::mnuPrintCurrent_Click()
@@ -256,12 +262,14 @@ void frmMain::printReportList(bool selectedOnly)
                                 .selectedLines = lstView->selectedLines(),
                                 .selectedOnly = selectedOnly,
                                 .useStyles = true};
-    if (job.isVoid())
+    if (job.isVoid()) {
         return;
+    }
     const QString firstLine = state_.ReportTitle.section(QStringLiteral("\r\n"), 0, 0);
     const auto printer = world_.printers.open(this, firstLine.isEmpty() ? QStringLiteral("Report") : firstLine);
-    if (!printer)
+    if (!printer) {
         return;
+    }
     const controls::HourglassPointer hourglass;
     reports::PrintList(*printer, job, state_.printedLines);
 }
@@ -274,14 +282,16 @@ void frmMain::takeFilterFields()
 /// An incomplete filter leaves the one in force.
 void frmMain::setFilterFromFields()
 {
-    if (state_.fields.isComplete())
+    if (state_.fields.isComplete()) {
         state_.strWhere = state_.fields.strWhere();
+    }
 }
 
 void frmMain::keepUntilDate(QLineEdit& field)
 {
-    if (runtime::isDate(field.text()))
+    if (runtime::isDate(field.text())) {
         return;
+    }
     focus_->giveBack(field);
     // The box opens once the click or key that moved the focus is over.
     QMetaObject::invokeMethod(this, handlers_.function(&frmMain::askForDate), Qt::QueuedConnection);
@@ -289,24 +299,27 @@ void frmMain::keepUntilDate(QLineEdit& field)
 
 void frmMain::askForDate()
 {
-    if (!isVisible())
+    if (!isVisible()) {
         return;
+    }
     world_.dialogs.beep();
     world_.dialogs.showMessage(this, QStringLiteral("From must be a valid date, use clear button to clear"));
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == centralWidget() && event->type() == QEvent::Resize)
+    if (watched == centralWidget() && event->type() == QEvent::Resize) {
         Form_Resize();
+    }
     return QMainWindow::eventFilter(watched, event);
 }
 
 void frmMain::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::WindowStateChange)
+    if (event->type() == QEvent::WindowStateChange) {
         Form_Resize();
+    }
 }
 
 void frmMain::createReportList()
@@ -323,8 +336,9 @@ void frmMain::connectHandlers()
     focus_ = new controls::FieldFocus(*this);
     focus_->watch(*bar_.txtFrom, handlers_.function(&frmMain::txtFrom_LostFocus));
     focus_->watch(*bar_.txtTo, handlers_.function(&frmMain::txtTo_LostFocus));
-    for (const QLineEdit* field : {bar_.txtFrom, bar_.txtTo})
+    for (const QLineEdit* field : {bar_.txtFrom, bar_.txtTo}) {
         handlers_.connect(field, &QLineEdit::textChanged, &frmMain::takeFilterFields);
+    }
     handlers_.connect(bar_.cmdFrom, &QPushButton::clicked, &frmMain::cmdFrom_Click);
     handlers_.connect(bar_.cmdTo, &QPushButton::clicked, &frmMain::cmdTo_Click);
     handlers_.connect(bar_.cmdApply, &QPushButton::clicked, &frmMain::cmdApply_Click);

@@ -66,8 +66,9 @@ void addEntry(QMenu& menu, const Entry& entry)
     const QString caption = QLatin1String(entry.caption);
     QAction* action = caption == u"-" ? menu.addSeparator() : menu.addAction(caption);
     action->setObjectName(QLatin1String(entry.name));
-    if (action->isSeparator())
+    if (action->isSeparator()) {
         return;
+    }
     action->setShortcut(QKeySequence(QLatin1String(entry.shortcut)));
     action->setStatusTip(QLatin1String(entry.tip));
     if (action->statusTip().isEmpty()) {
@@ -83,8 +84,9 @@ void createMainMenu(QMenuBar& bar)
     for (const Menu& menu : mainMenu()) {
         QMenu* shown = bar.addMenu(QLatin1String(menu.caption));
         shown->setObjectName(QLatin1String(menu.name));
-        for (const Entry& entry : menu.entries)
+        for (const Entry& entry : menu.entries) {
             addEntry(*shown, entry);
+        }
     }
 }
 

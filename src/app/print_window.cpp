@@ -25,9 +25,11 @@ public:
     DressedForPage(QMainWindow& window, const QString& caption, const QStringList& hiddenMenus, int width)
         : window_(window), caption_(window.windowTitle()), size_(window.size())
     {
-        for (const QString& name : hiddenMenus)
-            if (auto* menu = window.menuBar()->findChild<QMenu*>(name); menu != nullptr)
+        for (const QString& name : hiddenMenus) {
+            if (auto* menu = window.menuBar()->findChild<QMenu*>(name); menu != nullptr) {
                 hidden_.append(menu->menuAction());
+            }
+        }
         showMenus(false);
         window_.setWindowTitle(caption);
         resizeTo({width, size_.height()});
@@ -45,14 +47,16 @@ private:
     void resizeTo(QSize size)
     {
         // One that fills the screen has no size of its own.
-        if (!window_.isMaximized() && !window_.isFullScreen())
+        if (!window_.isMaximized() && !window_.isFullScreen()) {
             window_.resize(size);
+        }
     }
 
     void showMenus(bool visible)
     {
-        for (QAction* menu : hidden_)
+        for (QAction* menu : hidden_) {
             menu->setVisible(visible);
+        }
     }
 
     QMainWindow& window_;
@@ -79,8 +83,9 @@ void printWindow(QMainWindow& window, const QString& caption, const QStringList&
     const QImage picture = pictureOf(window);
     QSizeF extent = QSizeF(window.size()) * kTwipsPerPixel;
     const QSizeF room(printer.scaleWidth(), printer.scaleHeight() - printer.textHeight(caption));
-    if (extent != extent.boundedTo(room))
+    if (extent != extent.boundedTo(room)) {
         extent.scale(room, Qt::KeepAspectRatio); // as the printer does, a window being no narrower than its filter bar
+    }
     const double left = std::max((printer.scaleWidth() - extent.width()) / 2, 0.0);
     const double lineHeight = printer.textHeight(caption);
     const double top = std::max((printer.scaleHeight() - extent.height()) / 2, lineHeight);

@@ -67,8 +67,9 @@ QPixmap drawn(int size)
 QIcon programIcon()
 {
     QIcon icon;
-    for (const int size : {16, 24, 32, 48, 64, 128})
+    for (const int size : {16, 24, 32, 48, 64, 128}) {
         icon.addPixmap(drawn(size));
+    }
     return icon;
 }
 

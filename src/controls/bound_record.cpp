@@ -85,8 +85,9 @@ bool isRefusal(const RunTimeError& error)
 BoundRecord::BoundRecord(const QString& databasePath, const QString& recordSource)
     : database_(databasePath), records_(database_.openRecordset(recordSource)), updatable_(records_.isUpdatable())
 {
-    if (records_.eof())
+    if (records_.eof()) {
         return;
+    }
     records_.moveLast(); // now the list of records is complete and stays what it is
     count_ = records_.recordCount();
     records_.moveFirst();
@@ -124,22 +125,26 @@ bool BoundRecord::isEdited() const
 
 void BoundRecord::cancel()
 {
-    for (Column& column : columns_)
+    for (Column& column : columns_) {
         column.edited.reset();
+    }
 }
 
 std::optional<BoundRecord::Refusal> BoundRecord::store()
 {
-    if (!isEdited())
+    if (!isEdited()) {
         return std::nullopt;
+    }
     try {
         return write();
     } catch (const RunTimeError& error) {
         records_.cancelUpdate();
-        if (error.code() == ErrorNumber::DataChanged)
+        if (error.code() == ErrorNumber::DataChanged) {
             throw;
-        if (error.code() != ErrorNumber::RecordDeleted)
+        }
+        if (error.code() != ErrorNumber::RecordDeleted) {
             throw error.withHint((error.hint() + QStringLiteral(" The change was not stored.")).trimmed());
+        }
     }
     leaveDeleted();
     throw RunTimeError(ErrorNumber::RecordDeleted)
@@ -149,8 +154,9 @@ std::optional<BoundRecord::Refusal> BoundRecord::store()
 
 std::optional<BoundRecord::Refusal> BoundRecord::move(Move move)
 {
-    if (std::optional<Refusal> refusal = store())
+    if (std::optional<Refusal> refusal = store()) {
         return refusal;
+    }
     bool moved = false;
     switch (move) {
     case Move::First:
@@ -166,9 +172,10 @@ std::optional<BoundRecord::Refusal> BoundRecord::move(Move move)
         moved = standOnNearest(count_ - 1, -1);
         break;
     }
-    if (!moved)
+    if (!moved) {
         throw RunTimeError(ErrorNumber::RecordDeleted)
             .withHint(QStringLiteral("Another program deleted the records there."));
+    }
     return std::nullopt;
 }
 
@@ -192,15 +199,17 @@ void BoundRecord::noticeOthersChanges()
     QStringList changes;
     for (Column& column : columns_) {
         QString now = shown(records_.value(column.field));
-        if (column.edited && now != column.stored && now != *column.edited)
+        if (column.edited && now != column.stored && now != *column.edited) {
             changes.append(QStringLiteral("%1 to \"%2\"").arg(column.name, now));
+        }
         column.stored = std::move(now);
     }
-    if (!changes.isEmpty())
+    if (!changes.isEmpty()) {
         throw RunTimeError(ErrorNumber::DataChanged)
             .withHint(QStringLiteral("Another program changed %1 meanwhile. Your change is not stored yet: go on to "
                                      "store it all the same, or press Escape to take it back.")
                           .arg(changes.join(QStringLiteral(" and "))));
+    }
 }
 
 std::optional<BoundRecord::Refusal> BoundRecord::setEdits()
@@ -208,20 +217,24 @@ std::optional<BoundRecord::Refusal> BoundRecord::setEdits()
     std::optional<Refusal> refusal;
     std::vector<Column*> refused;
     for (Column& column : columns_) {
-        if (!column.edited)
+        if (!column.edited) {
             continue;
+        }
         try {
             records_.set(column.field, typed(records_.field(column.field), *column.edited));
         } catch (const RunTimeError& error) {
-            if (!isRefusal(error))
+            if (!isRefusal(error)) {
                 throw;
-            if (!refusal)
+            }
+            if (!refusal) {
                 refusal = Refusal{error, static_cast<int>(&column - columns_.data())};
+            }
             refused.push_back(&column);
         }
     }
-    if (!refusal)
+    if (!refusal) {
         return std::nullopt;
+    }
     QString hint;
     for (Column* column : refused) {
         hint += QStringLiteral("%1 must be %2. ").arg(column->name, demandOf(records_.field(column->field)));
@@ -234,8 +247,9 @@ std::optional<BoundRecord::Refusal> BoundRecord::setEdits()
 void BoundRecord::leaveDeleted()
 {
     cancel();
-    if (standOnNearest(position_ + 1, +1) || standOnNearest(position_ - 1, -1))
+    if (standOnNearest(position_ + 1, +1) || standOnNearest(position_ - 1, -1)) {
         return;
+    }
     count_ = 0;
     position_ = 0;
     show(std::vector<QString>(columns_.size()));
@@ -251,8 +265,9 @@ bool BoundRecord::standOn(qsizetype position)
         return true;
     } catch (const RunTimeError& error) {
         records_.moveTo(position_);
-        if (error.code() != ErrorNumber::RecordDeleted)
+        if (error.code() != ErrorNumber::RecordDeleted) {
             throw;
+        }
         return false;
     }
 }
@@ -260,8 +275,9 @@ bool BoundRecord::standOn(qsizetype position)
 bool BoundRecord::standOnNearest(qsizetype position, int step)
 {
     for (; position >= 0 && position < count_; position += step) {
-        if (standOn(position))
+        if (standOn(position)) {
             return true;
+        }
     }
     return false;
 }
@@ -269,8 +285,9 @@ bool BoundRecord::standOnNearest(qsizetype position, int step)
 std::vector<QString> BoundRecord::readTexts() const
 {
     std::vector<QString> texts;
-    for (const Column& column : columns_)
+    for (const Column& column : columns_) {
         texts.push_back(shown(records_.value(column.field)));
+    }
     return texts;
 }
 

@@ -55,8 +55,9 @@ QIcon arrow(Move move, const QWidget& widget)
         painter.scale(-1, 1);
     }
     painter.drawPolygon(QPolygonF({{4, 3}, {11, 8}, {4, 13}}));
-    if (move == Move::First || move == Move::Last)
+    if (move == Move::First || move == Move::Last) {
         painter.drawRect(QRectF(11, 3, 2, 10));
+    }
     return picture;
 }
 
@@ -102,8 +103,9 @@ void DataControl::bind(QLineEdit& box, const QString& field)
     box.setReadOnly(!record_.isUpdatable());
     box.installEventFilter(this);
     connect(&box, &QLineEdit::textChanged, this, [this, column = bound.column](const QString& text) {
-        if (showing_)
+        if (showing_) {
             return;
+        }
         record_.edit(column, text);
         closeRefused_ = false;
     });
@@ -120,8 +122,9 @@ bool DataControl::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyPress) {
         const auto& key = static_cast<const QKeyEvent&>(*event);
-        if (handleKey(key.key(), key.modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier)))
+        if (handleKey(key.key(), key.modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier))) {
             return true;
+        }
     }
     if (watched == &window_ && event->type() == QEvent::Close && !mayClose()) {
         event->ignore();
@@ -133,8 +136,9 @@ bool DataControl::eventFilter(QObject* watched, QEvent* event)
 /// Whether the key is one of the control's.
 bool DataControl::handleKey(int key, Qt::KeyboardModifiers modifiers)
 {
-    if (key == Qt::Key_Escape)
+    if (key == Qt::Key_Escape) {
         return cancelEdits();
+    }
     for (const Step& step : steps()) {
         if (step.key == key && step.modifiers == modifiers) {
             go(step.move);
@@ -146,19 +150,22 @@ bool DataControl::handleKey(int key, Qt::KeyboardModifiers modifiers)
 
 void DataControl::go(Move move)
 {
-    if (!record_.canMove(move) || !attempt([&] { return record_.move(move); }))
+    if (!record_.canMove(move) || !attempt([&] { return record_.move(move); })) {
         return;
+    }
     for (const Box& box : boxes_) {
-        if (box.edit->hasFocus())
+        if (box.edit->hasFocus()) {
             box.edit->selectAll();
+        }
     }
 }
 
 /// False when there are none.
 bool DataControl::cancelEdits()
 {
-    if (!record_.isEdited())
+    if (!record_.isEdited()) {
         return false;
+    }
     record_.cancel();
     showRecord();
     return true;
@@ -176,8 +183,9 @@ bool DataControl::attempt(const std::function<std::optional<BoundRecord::Refusal
 {
     std::optional<BoundRecord::Refusal> refusal;
     const bool completed = guarded(dialogs_, &window_, [&] { refusal = action(); });
-    if (refusal)
+    if (refusal) {
         dialogs_.showError(&window_, refusal->error.text());
+    }
     showRecord();
     if (refusal) {
         const auto refused =
@@ -193,18 +201,23 @@ void DataControl::showRecord()
     closeRefused_ = false;
     {
         const QScopedValueRollback showing(showing_, true);
-        for (const Box& box : boxes_)
+        for (const Box& box : boxes_) {
             showIn(box);
+        }
     }
-    for (const Label& label : labels_)
+    for (const Label& label : labels_) {
         label.label->setText(record_.text(label.column));
-    for (const auto& [move, button] : buttons_)
+    }
+    for (const auto& [move, button] : buttons_) {
         button->setEnabled(record_.canMove(move));
+    }
     QString place = QStringLiteral("no records");
-    if (!record_.isEmpty())
+    if (!record_.isEmpty()) {
         place = QStringLiteral("%1 of %2").arg(record_.position() + 1).arg(record_.count());
-    if (!record_.isUpdatable())
+    }
+    if (!record_.isUpdatable()) {
         place += QStringLiteral(" (read only)");
+    }
     position_->setText(caption_ + QStringLiteral("  ") + place);
     emit recordShown();
 }
@@ -213,8 +226,9 @@ void DataControl::showIn(const Box& box)
 {
     box.edit->setEnabled(!record_.isEmpty());
     const QString& text = record_.text(box.column);
-    if (box.edit->text() == text)
+    if (box.edit->text() == text) {
         return;
+    }
     box.edit->setMaxLength(std::max(box.limit, static_cast<int>(text.size())));
     box.edit->setText(text);
     box.edit->setCursorPosition(0); // the beginning of a long text

@@ -44,29 +44,34 @@ bool FieldFocus::eventFilter(QObject* watched, QEvent* event)
         byMouse_ = static_cast<QFocusEvent*>(event)->reason() == Qt::MouseFocusReason;
     } else if (event->type() == QEvent::MouseButtonRelease && watched == clicked_) {
         QLineEdit* field = std::exchange(clicked_, nullptr);
-        if (!field->hasSelectedText())
+        if (!field->hasSelectedText()) {
             emit entered(field);
+        }
     }
     return QObject::eventFilter(watched, event);
 }
 
 void FieldFocus::followFocus(QWidget* now)
 {
-    if (now == nullptr || now == current_ || now->window() != form_.window() || qobject_cast<QMenuBar*>(now))
+    if (now == nullptr || now == current_ || now->window() != form_.window() || qobject_cast<QMenuBar*>(now)) {
         return;
+    }
     if (QLineEdit* before = std::exchange(current_, nullptr)) {
         clicked_ = nullptr;
-        if (const auto& lostFocus = lostFocus_[before])
+        if (const auto& lostFocus = lostFocus_[before]) {
             lostFocus();
-        if (form_.focusWidget() != now)
+        }
+        if (form_.focusWidget() != now) {
             return; // given back
+        }
     }
     if (auto* field = qobject_cast<QLineEdit*>(now); field != nullptr && lostFocus_.contains(field)) {
         current_ = field;
-        if (byMouse_)
+        if (byMouse_) {
             clicked_ = field;
-        else
+        } else {
             emit entered(field);
+        }
     }
 }
 

@@ -9,8 +9,9 @@ namespace controls {
 // The screen has one pointer, and these do not nest: the default pointer ends every hourglass before it.
 inline void showHourglass()
 {
-    if (QGuiApplication::overrideCursor() == nullptr)
+    if (QGuiApplication::overrideCursor() == nullptr) {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    }
 }
 
 inline void showDefaultPointer()

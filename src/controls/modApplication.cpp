@@ -17,8 +17,9 @@ QPoint centredOver(const QRect& owner, const QSize& dialog)
 void ShowCentredModal(QDialog& dialog, const QWidget& owner)
 {
     Q_ASSERT(dialog.parentWidget() == &owner);
-    if (!dialog.testAttribute(Qt::WA_Resized))
+    if (!dialog.testAttribute(Qt::WA_Resized)) {
         dialog.adjustSize();
+    }
     // The dialog gets its frame when it is shown; by then it stands where it is. It will be like the owner's.
     const QSize frame = owner.frameSize() - owner.size();
     dialog.move(centredOver(owner.frameGeometry(), dialog.size() + frame));
@@ -27,8 +28,9 @@ void ShowCentredModal(QDialog& dialog, const QWidget& owner)
 
 void SelectAll(QWidget* control)
 {
-    if (auto* textBox = qobject_cast<QLineEdit*>(control))
+    if (auto* textBox = qobject_cast<QLineEdit*>(control)) {
         textBox->selectAll();
+    }
 }
 
 } // namespace controls

@@ -27,8 +27,9 @@ void ReportLineDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     const double left = item.rect.left() + kMargin;
     const double baseline = item.rect.top() + (item.rect.height() - metrics.height()) / 2 + metrics.ascent();
     for (const Column& column :
-         layOutColumns(index.data().toString(), view_.tabStops(), metrics, view_.cutColumn()).columns)
+         layOutColumns(index.data().toString(), view_.tabStops(), metrics, view_.cutColumn()).columns) {
         painter->drawText(QPointF(left + column.x, baseline), column.text);
+    }
     painter->restore();
 }
 

@@ -35,10 +35,12 @@ int ReportListModel::rowCount(const QModelIndex& parent) const
 
 QVariant ReportListModel::data(const QModelIndex& index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid)) {
         return {};
-    if (index.row() >= list_.size())
+    }
+    if (index.row() >= list_.size()) {
         return {}; // views are being told that the line is gone
+    }
     const reports::ReportLine& line = list_.at(index.row());
     switch (role) {
     case Qt::DisplayRole:
@@ -54,8 +56,9 @@ void ReportListModel::showAdded()
 {
     added_.stop();
     const int size = rowsOf(list_);
-    if (size <= shown_)
+    if (size <= shown_) {
         return;
+    }
     beginInsertRows({}, shown_, size - 1);
     shown_ = size;
     endInsertRows();
@@ -64,8 +67,9 @@ void ReportListModel::showAdded()
 void ReportListModel::showRemoved()
 {
     const int size = rowsOf(list_);
-    if (size >= shown_)
+    if (size >= shown_) {
         return;
+    }
     beginRemoveRows({}, size, shown_ - 1);
     shown_ = size;
     endRemoveRows();
@@ -75,12 +79,14 @@ void ReportListModel::follow(Change change, qsizetype line)
 {
     switch (change) {
     case Change::Added:
-        if (!added_.isActive())
+        if (!added_.isActive()) {
             added_.start();
+        }
         break;
     case Change::Rewritten:
-        if (line < shown_)
+        if (line < shown_) {
             emit dataChanged(index(static_cast<int>(line)), index(static_cast<int>(line)), {Qt::DisplayRole});
+        }
         break;
     case Change::Removed:
         showRemoved();

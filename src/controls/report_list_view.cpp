@@ -50,8 +50,9 @@ int ReportListView::topIndex() const
 
 void ReportListView::setTopIndex(int line)
 {
-    if (ReportListModel* model = lines())
+    if (ReportListModel* model = lines()) {
         model->showAdded();
+    }
     executeDelayedItemsLayout();
     verticalScrollBar()->setValue(std::max(line, 0));
 }
@@ -61,9 +62,11 @@ QList<int> ReportListView::selectedLines() const
     QList<int> result;
     if (const QItemSelectionModel* selected = selectionModel()) {
         const QItemSelection ranges = selected->selection();
-        for (const QItemSelectionRange& range : ranges)
-            for (int row = range.top(); row <= range.bottom(); ++row)
+        for (const QItemSelectionRange& range : ranges) {
+            for (int row = range.top(); row <= range.bottom(); ++row) {
                 result.append(row);
+            }
+        }
     }
     std::sort(result.begin(), result.end());
     return result;
@@ -72,8 +75,9 @@ QList<int> ReportListView::selectedLines() const
 void ReportListView::addToSelection(int line)
 {
     ReportListModel* model = lines();
-    if (model == nullptr)
+    if (model == nullptr) {
         return;
+    }
     model->showAdded();
     selectionModel()->setCurrentIndex(model->index(line), QItemSelectionModel::Select);
 }
@@ -81,8 +85,9 @@ void ReportListView::addToSelection(int line)
 void ReportListView::selectOnly(int line)
 {
     ReportListModel* model = lines();
-    if (model == nullptr)
+    if (model == nullptr) {
         return;
+    }
     model->showAdded();
     executeDelayedItemsLayout(); // else it scrolls as far as the lines before
     selectionModel()->setCurrentIndex(model->index(line), QItemSelectionModel::ClearAndSelect);
@@ -91,16 +96,19 @@ void ReportListView::selectOnly(int line)
 QString ReportListView::selectedText() const
 {
     QString text;
-    if (const ReportListModel* model = lines())
-        for (const int line : selectedLines())
+    if (const ReportListModel* model = lines()) {
+        for (const int line : selectedLines()) {
             text += model->text(line) + u'\n';
+        }
+    }
     return text;
 }
 
 void ReportListView::copySelection() const
 {
-    if (const QString text = selectedText(); !text.isEmpty())
+    if (const QString text = selectedText(); !text.isEmpty()) {
         QGuiApplication::clipboard()->setText(text);
+    }
 }
 
 void ReportListView::setCutColumn(int column)
@@ -135,8 +143,9 @@ void ReportListView::keyPressEvent(QKeyEvent* event)
 void ReportListView::changeEvent(QEvent* event)
 {
     QListView::changeEvent(event);
-    if (event->type() == QEvent::FontChange)
+    if (event->type() == QEvent::FontChange) {
         takeTabStops();
+    }
 }
 
 void ReportListView::takeTabStops()
@@ -151,15 +160,17 @@ void ReportListView::takeTabStops()
 void ReportListView::measureLinesInSight()
 {
     const ReportListModel* model = lines();
-    if (model == nullptr || model->rowCount() == 0)
+    if (model == nullptr || model->rowCount() == 0) {
         return;
+    }
     const QFontMetricsF metrics(font());
     const int first = topIndex();
     const int height = std::max(visualRect(model->index(first)).height(), 1);
     const int last = std::min(first + viewport()->height() / height + 1, model->rowCount() - 1);
     double width = 0;
-    for (int row = first; row <= last; ++row)
+    for (int row = first; row <= last; ++row) {
         width = std::max(width, layOutColumns(model->text(row), tabStops_, metrics, cutColumn_).width);
+    }
     const int needed = static_cast<int>(std::ceil(width)) + 2 * ReportLineDelegate::kMargin;
     if (needed > widest_) {
         widest_ = (needed / kWidthStep + 1) * kWidthStep;

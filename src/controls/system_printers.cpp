@@ -21,8 +21,9 @@ const QString kSuffix = QStringLiteral(".pdf");
 
 void printOn(QPrinter& printer, const printing::Pages& pages)
 {
-    if (printing::paintPages(printer, pages) && printer.printerState() != QPrinter::Error)
+    if (printing::paintPages(printer, pages) && printer.printerState() != QPrinter::Error) {
         return;
+    }
     throw runtime::RunTimeError(runtime::ErrorNumber::PrinterError)
         .withHint(QStringLiteral("The printer '%1' did not take the pages. Make sure that it is switched on and "
                                  "connected, then print again.")
@@ -57,8 +58,9 @@ std::shared_ptr<QPrinter> usualPrinter()
     QPrinterInfo info = QPrinterInfo::defaultPrinter();
     if (info.isNull()) {
         const QStringList names = QPrinterInfo::availablePrinterNames();
-        if (names.isEmpty())
+        if (names.isEmpty()) {
             return nullptr;
+        }
         info = QPrinterInfo::printerInfo(names.first());
     }
     return std::make_shared<QPrinter>(info, QPrinter::HighResolution);
@@ -71,8 +73,9 @@ SystemPrinters::SystemPrinters(Dialogs& dialogs, FindPrinter findPrinter)
 
 std::unique_ptr<reports::Printer> SystemPrinters::open(QWidget* owner, const QString& documentName)
 {
-    if (std::shared_ptr<QPrinter> printer = findPrinter_())
+    if (std::shared_ptr<QPrinter> printer = findPrinter_()) {
         return onPaper(std::move(printer), documentName);
+    }
     const QString path = askPath(owner, documentName);
     return path.isEmpty() ? nullptr : printing::pdfPrinter(path, documentName);
 }
@@ -84,11 +87,13 @@ QString SystemPrinters::askPath(QWidget* owner, const QString& documentName)
         const QString path =
             dialogs_.askSavePath(owner, QStringLiteral("There is no printer: save the pages as a PDF file"), proposal,
                                  QStringLiteral("Pages (*.pdf)"));
-        if (path.isEmpty() || path.endsWith(kSuffix, Qt::CaseInsensitive))
+        if (path.isEmpty() || path.endsWith(kSuffix, Qt::CaseInsensitive)) {
             return path;
+        }
         const QString completed = path + kSuffix;
-        if (!QFileInfo::exists(completed))
+        if (!QFileInfo::exists(completed)) {
             return completed;
+        }
         // The box asked whether to replace `path`, not this file: it asks again when the user confirms the whole name.
         proposal = completed;
     }

@@ -39,8 +39,9 @@ TabStops::TabStops(const QList<int>& dialogUnits, double characterWidth)
         distance_ = dialogUnits.first() * unit;
         return;
     }
-    for (const int stop : dialogUnits)
+    for (const int stop : dialogUnits) {
         stops_.append(stop * unit);
+    }
 }
 
 double TabStops::next(double x) const
@@ -63,11 +64,13 @@ ColumnLayout layOutColumns(const QString& line, const TabStops& stops, const QFo
     double x = 0;
     for (const QString& piece : pieces) {
         const qsizetype column = layout.columns.size();
-        if (column > 0)
+        if (column > 0) {
             x = stops.next(layout.width);
+        }
         QString text = withoutControlCharacters(piece);
-        if (mayCut && column == cutColumn && column + 1 < pieces.size())
+        if (mayCut && column == cutColumn && column + 1 < pieces.size()) {
             text = cutToFit(text, stops.places().at(column) - x, metrics);
+        }
         layout.columns.append({x, text});
         layout.width = x + metrics.horizontalAdvance(layout.columns.last().text);
     }

@@ -59,10 +59,11 @@ QSize CalendarGrid::sizeHint() const
 
 void CalendarGrid::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         emit enterPressed(currentRow(), currentColumn());
-    else
+    } else {
         QTableWidget::keyPressEvent(event);
+    }
 }
 
 QModelIndex CalendarGrid::moveCursor(CursorAction action, Qt::KeyboardModifiers /*modifiers*/)
@@ -112,8 +113,9 @@ void CalendarGrid::createCells()
 void CalendarGrid::setCellSizes()
 {
     int widest = 0;
-    for (const char* name : kDayNames)
+    for (const char* name : kDayNames) {
         widest = std::max(widest, fontMetrics().horizontalAdvance(QLatin1String(name)));
+    }
     // Headers have smallest sizes of their own.
     for (QHeaderView* header : {horizontalHeader(), verticalHeader()}) {
         header->setMinimumSectionSize(1);

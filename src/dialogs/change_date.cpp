@@ -15,8 +15,9 @@ void ChangeDate(QLineEdit& box, QWidget& owner, const runtime::Clock& clock, con
     calendar.setWindowTitle(QStringLiteral("Double click to select date"));
     calendar.DoCalender(box.text());
     controls::ShowCentredModal(calendar, owner);
-    if (!calendar.mgsPickDate().isEmpty())
+    if (!calendar.mgsPickDate().isEmpty()) {
         box.setText(runtime::format(runtime::toDate(calendar.mgsPickDate()), QStringLiteral("dd/mm/yyyy")));
+    }
 }
 
 } // namespace dialogs

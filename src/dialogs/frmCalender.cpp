@@ -57,8 +57,9 @@ void frmCalender::grdCalender_DblClick(int row, int column)
 {
     const CalendarMonth& shown = grdCalender->month();
     const int day = shown.dayAt({row, column});
-    if (day == 0)
+    if (day == 0) {
         return;
+    }
     pickedDate_ = shown.dateText(day);
     accept();
 }
@@ -81,8 +82,9 @@ void frmCalender::createControls()
     cboMonth = new QComboBox;
     cboMonth->setObjectName(QStringLiteral("cboMonth"));
     cboMonth->setAccessibleName(QStringLiteral("Month"));
-    for (int month = 1; month <= 12; ++month)
+    for (int month = 1; month <= 12; ++month) {
         cboMonth->addItem(runtime::currentLocale().standaloneMonthName(month), month);
+    }
     cboMonth->setMaxVisibleItems(cboMonth->count());
 
     DateCaption = new QLabel;

@@ -7,8 +7,9 @@ namespace meals {
 std::optional<double> factorForRatio(const MealSheet& sheet, int line, const Food& food, double dose, double ratio)
 {
     const double carbohydrate = food.in100Grams.carbohydrate;
-    if (carbohydrate == 0)
+    if (carbohydrate == 0) {
         return std::nullopt;
+    }
     const double shortfall = dose * ratio - sheet.totalCarbohydrate();
     return (shortfall * 100 / carbohydrate + sheet.gramsAt(line)) / 100;
 }

@@ -32,24 +32,28 @@ qint32 numberOf(const data::Recordset& food)
 RunTimeError searchFailed(const RunTimeError& error, const QString& text)
 {
     const bool isMisread = error.code() == ErrorNumber::QuerySyntax || error.code() == ErrorNumber::TooFewParameters;
-    if (isMisread && text.contains(u'\''))
+    if (isMisread && text.contains(u'\'')) {
         return error.withHint(
             QStringLiteral("An apostrophe ends the text to search for: type two of them in its place, "
                            "or a ?."));
-    if (error.code() == ErrorNumber::InvalidPattern)
+    }
+    if (error.code() == ErrorNumber::InvalidPattern) {
         return error.withHint(
             QStringLiteral("A [ begins a list of characters such as [ab] or [a-f], which a ] ends: type "
                            "[[] to search for the bracket itself."));
+    }
     return error;
 }
 
 QList<FoundFood> lastToFirst(data::Recordset& foods)
 {
     QList<FoundFood> found;
-    if (foods.eof())
+    if (foods.eof()) {
         return found;
-    for (foods.moveLast(); !foods.bof(); foods.movePrevious())
+    }
+    for (foods.moveLast(); !foods.bof(); foods.movePrevious()) {
         found.append({descriptionOf(foods), numberOf(foods)});
+    }
     return found;
 }
 

@@ -85,10 +85,12 @@ frmAddIngredient::frmAddIngredient(QWidget* owner, controls::Dialogs& dialogs, Q
 
 void frmAddIngredient::Form_Load()
 {
-    if (const int length = descriptionLength(diaryPath_); length > 0)
+    if (const int length = descriptionLength(diaryPath_); length > 0) {
         txtDesc->setMaxLength(length);
-    for (const QString& column : nutrientColumns(diaryPath_))
+    }
+    for (const QString& column : nutrientColumns(diaryPath_)) {
         addRow(column);
+    }
     rows_->setRowStretch(rows_->rowCount(), 1);
 }
 
@@ -111,8 +113,9 @@ void frmAddIngredient::cmdCancel_Click()
 
 void frmAddIngredient::txtNutrientValue_LostFocus(std::size_t index)
 {
-    if (!runtime::isNumeric(txtNutrientValue[index]->text()))
+    if (!runtime::isNumeric(txtNutrientValue[index]->text())) {
         focus_->giveBack(*txtNutrientValue[index]);
+    }
 }
 
 void frmAddIngredient::SaveIngredient()
@@ -120,8 +123,9 @@ void frmAddIngredient::SaveIngredient()
     NewFood food{txtDesc->text(), chkRecipe->isChecked(), chkIngredient->isChecked(), {}};
     for (std::size_t index = 0; index < lblNutrient.size(); ++index) {
         QLineEdit& value = *txtNutrientValue[index];
-        if (value.text().isEmpty())
+        if (value.text().isEmpty()) {
             value.setText(QStringLiteral("0"));
+        }
         food.values.append(NewFood::Value{lblNutrient[index]->text(), value.text()});
     }
     meals::SaveIngredient(diaryPath_, food);
@@ -130,10 +134,11 @@ void frmAddIngredient::SaveIngredient()
 void frmAddIngredient::keyPressEvent(QKeyEvent* event)
 {
     auto* button = qobject_cast<QPushButton*>(focusWidget());
-    if (button != nullptr && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+    if (button != nullptr && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
         button->click();
-    else
+    } else {
         QDialog::keyPressEvent(event);
+    }
 }
 
 void frmAddIngredient::createControls()
@@ -226,8 +231,9 @@ void frmAddIngredient::placeRow(int index, QLabel* label, QLineEdit* box)
     rows_->addWidget(label, row, column, Qt::AlignTop);
     rows_->addWidget(box, row, column + 1, Qt::AlignTop);
     rows_->setColumnStretch(column + 1, 1);
-    if (beside)
+    if (beside) {
         rows_->setColumnMinimumWidth(kGap, fontMetrics().averageCharWidth() * kGapCharacters);
+    }
 }
 
 void frmAddIngredient::connectHandlers()
@@ -244,8 +250,9 @@ void frmAddIngredient::connectHandlers()
 
 void frmAddIngredient::enter(QLineEdit* field)
 {
-    if (field != txtDesc)
+    if (field != txtDesc) {
         scrolled_->ensureWidgetVisible(field);
+    }
     controls::SelectAll(field); // what is typed takes the place of the 0
 }
 

@@ -97,10 +97,12 @@ void frmAddMeal::cmdSearch_Click()
     const QString text = ui_.txtSearch->text();
     found_ = searchFoods(world_.state.strPath, text);
     foundLines_.clear();
-    for (const FoundFood& food : found_)
+    for (const FoundFood& food : found_) {
         foundLines_.addItem(food.description);
-    if (found_.isEmpty())
+    }
+    if (found_.isEmpty()) {
         foundLines_.addItem(QStringLiteral("No Results for - ") + text);
+    }
     ui_.lstSearch->setCurrentIndex({}); // not the first by itself, so that the first arrow key selects it
 }
 
@@ -119,8 +121,9 @@ void frmAddMeal::txtQuantity_Change()
         return;
     }
     const std::optional<int> line = selectedLine();
-    if (line && MealSheet::beginsWithNumber(sheet_.lines().at(*line).text))
+    if (line && MealSheet::beginsWithNumber(sheet_.lines().at(*line).text)) {
         UpdateMenuListQty(runtime::toDouble(text) / 100, *line);
+    }
 }
 
 void frmAddMeal::txtQuantity_KeyPress()
@@ -150,27 +153,31 @@ void frmAddMeal::cmdAddIngredient_Click()
 
 void frmAddMeal::lstMeal_DblClick()
 {
-    if (const std::optional<int> line = selectedFoodLine())
+    if (const std::optional<int> line = selectedFoodLine()) {
         ui_.txtQuantity->setText(sheet_.lines().at(*line).text.section(u'\t', 0, 0));
+    }
 }
 
 void frmAddMeal::lstMeal_MouseDown(QPoint place)
 {
-    if (selectedFoodLine())
+    if (selectedFoodLine()) {
         ui_.mnuPopUp->popup(ui_.lstMeal->viewport()->mapToGlobal(place));
+    }
 }
 
 void frmAddMeal::showMenuAtSelectedLine()
 {
-    if (const std::optional<int> line = selectedLine())
+    if (const std::optional<int> line = selectedLine()) {
         lstMeal_MouseDown(ui_.lstMeal->visualRect(lines_.index(*line)).center());
+    }
 }
 
 void frmAddMeal::mnuCarbGoalSeek_Click()
 {
     const std::optional<int> line = selectedFoodLine();
-    if (!line)
+    if (!line) {
         return;
+    }
     const QString answer =
         world_.dialogs.askText(this, QStringLiteral("Please enter target ratio to adjust this quantity for?"),
                                runtime::format(kUsualRatio, QStringLiteral("0.00")));
@@ -181,11 +188,12 @@ void frmAddMeal::mnuCarbGoalSeek_Click()
     const double ratio = runtime::toDouble(answer);
     const double dose = doseOf(ui_.txtInsulinDosage->text());
     const Food food = foodNumbered(world_.state.strPath, sheet_.foodNumberAt(*line));
-    if (const std::optional<double> factor = factorForRatio(sheet_, *line, food, dose, ratio))
+    if (const std::optional<double> factor = factorForRatio(sheet_, *line, food, dose, ratio)) {
         UpdateMenuListQty(*factor, *line);
-    else
+    } else {
         world_.dialogs.showMessage(this, QStringLiteral("Ingredients with no carbohydrate can not be used"),
                                    QStringLiteral("Quillon - Carb/Insulin Optimise"));
+    }
 }
 
 void frmAddMeal::cmdOptimise_Click()
@@ -196,8 +204,9 @@ void frmAddMeal::cmdOptimise_Click()
 void frmAddMeal::cmdPrintMeal_Click()
 {
     const auto printer = world_.printers.open(this, QStringLiteral("Meal"));
-    if (!printer)
+    if (!printer) {
         return;
+    }
     const controls::HourglassPointer hourglass;
     printMeal(*printer, sheet_, world_.clock.now(), world_.state.printedLines);
 }
@@ -213,24 +222,27 @@ void frmAddMeal::txtInsulinDosage_Change()
     const auto width = [metrics = QFontMetricsF(label.font())](const QString& text) {
         return metrics.horizontalAdvance(text);
     };
-    if (const auto caption = insulinCaption(label.text(), ui_.txtInsulinDosage->text(), mealType(), sheet_, width))
+    if (const auto caption = insulinCaption(label.text(), ui_.txtInsulinDosage->text(), mealType(), sheet_, width)) {
         label.setText(*caption);
+    }
 }
 
 void frmAddMeal::cmdGetOldMeal_Click()
 {
     const std::optional<StoredMeal> meal = chooseOldMeal();
     lngOldMealToDelete = 0;
-    if (meal)
+    if (meal) {
         fetchMeal(*meal);
+    }
 }
 
 void frmAddMeal::cmdModifyOldMeal_Click()
 {
     const std::optional<StoredMeal> meal = chooseOldMeal();
     for (QWidget* control :
-         std::initializer_list<QWidget*>{ui_.lblDate, ui_.txtDate, ui_.cmdDate, ui_.lblTime, ui_.txtTime})
+         std::initializer_list<QWidget*>{ui_.lblDate, ui_.txtDate, ui_.cmdDate, ui_.lblTime, ui_.txtTime}) {
         control->setEnabled(false);
+    }
     if (meal) {
         lngOldMealToDelete = 0; // where fetching fails, no meal chosen before may be replaced by what is composed next
         fetchMeal(*meal);
@@ -240,8 +252,9 @@ void frmAddMeal::cmdModifyOldMeal_Click()
 
 void frmAddMeal::cmdOK_Click()
 {
-    if (!isMealValid())
+    if (!isMealValid()) {
         return;
+    }
     saveMeal();
     ui_.cmdOK->setEnabled(false); // a second click of a double click stores nothing
     accept();
@@ -254,8 +267,9 @@ void frmAddMeal::cmdCancel_Click()
 
 void frmAddMeal::cmdSave_Click()
 {
-    if (!isMealValid())
+    if (!isMealValid()) {
         return;
+    }
     saveMeal();
     world_.dialogs.showMessage(this, QStringLiteral("Meal Saved"));
 }
@@ -284,8 +298,9 @@ void frmAddMeal::AddIngredient(const QString& strQty, qint32 lngNDBNo)
     meals::AddIngredient(sheet_, world_.state.strPath, strQty, lngNDBNo);
     // In place of a closing line, which this rewrites, the view selects the food above it: the next quantity typed
     // would be that food's.
-    if (!onFood)
+    if (!onFood) {
         ui_.lstMeal->clearSelection();
+    }
 }
 
 /// Gives a food line another quantity and selects it.
@@ -299,13 +314,15 @@ void frmAddMeal::UpdateMenuListQty(double dblFactor, int intSel)
 bool frmAddMeal::isMealValid()
 {
     const std::optional<Refusal> refusal = refusalOf(entry(), sheet_);
-    if (!refusal)
+    if (!refusal) {
         return true;
+    }
     world_.dialogs.showMessage(this, textOf(*refusal), QStringLiteral("Validation Error"));
-    if (refusal == Refusal::NoType)
+    if (refusal == Refusal::NoType) {
         ui_.cboMealType->setFocus();
-    else if (refusal == Refusal::DoseNotANumber)
+    } else if (refusal == Refusal::DoseNotANumber) {
         ui_.txtInsulinDosage->setFocus();
+    }
     return false;
 }
 
@@ -325,8 +342,9 @@ MealEntry frmAddMeal::entry() const
 
 std::optional<int> frmAddMeal::mealType() const
 {
-    if (ui_.cboMealType->currentIndex() < 0)
+    if (ui_.cboMealType->currentIndex() < 0) {
         return std::nullopt;
+    }
     return ui_.cboMealType->currentData().toInt();
 }
 
@@ -337,10 +355,12 @@ qint32 frmAddMeal::chosenFood() const
         return runtime::RunTimeError(number).withHint(
             QStringLiteral("No food is chosen: search for one and choose it in the list. Nothing was added."));
     };
-    if (chosen.isEmpty())
+    if (chosen.isEmpty()) {
         throw noneIsChosen(runtime::ErrorNumber::SubscriptOutOfRange);
-    if (found_.isEmpty()) // the line says that there are no results
+    }
+    if (found_.isEmpty()) { // the line says that there are no results
         throw noneIsChosen(runtime::ErrorNumber::NoCurrentRecord);
+    }
     return found_.at(chosen.first()).number;
 }
 
@@ -392,10 +412,11 @@ void frmAddMeal::connectHandlers()
 /// Enter presses the button that has the focus, and in a field none.
 void frmAddMeal::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
         QDialog::keyPressEvent(event);
-    else if (auto* button = qobject_cast<QPushButton*>(focusWidget()))
+    } else if (auto* button = qobject_cast<QPushButton*>(focusWidget())) {
         button->click();
+    }
 }
 
 } // namespace meals

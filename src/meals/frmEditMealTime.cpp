@@ -74,8 +74,9 @@ void frmEditMealTime::createControls()
     Label2->hide();
 
     auto* row = new QHBoxLayout;
-    for (QWidget* control : std::initializer_list<QWidget*>{Label1, txtMealTime, lblMealDesc, Label2})
+    for (QWidget* control : std::initializer_list<QWidget*>{Label1, txtMealTime, lblMealDesc, Label2}) {
         row->addWidget(control);
+    }
     row->addStretch();
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(row);

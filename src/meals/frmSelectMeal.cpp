@@ -43,8 +43,9 @@ void frmSelectMeal::Form_Load(const QString& diaryPath)
 {
     meals_ = storedMeals(diaryPath);
     lines_.setTabStops({kDescriptionTabStop});
-    for (const StoredMeal& meal : meals_)
+    for (const StoredMeal& meal : meals_) {
         lines_.addItem(meal.line());
+    }
     model_ = std::make_unique<controls::ReportListModel>(lines_);
     lstMeals->show(*model_);
     lstMeals->setCurrentIndex({}); // not the first by itself, so that the first arrow key selects it
@@ -53,8 +54,9 @@ void frmSelectMeal::Form_Load(const QString& diaryPath)
 
 void frmSelectMeal::cmdOK_Click()
 {
-    if (const QList<int> selected = lstMeals->selectedLines(); !selected.isEmpty())
+    if (const QList<int> selected = lstMeals->selectedLines(); !selected.isEmpty()) {
         chosen_ = meals_.at(selected.first());
+    }
     accept();
 }
 

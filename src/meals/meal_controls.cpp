@@ -72,8 +72,9 @@ private:
 QBoxLayout* rowOf(std::initializer_list<QWidget*> widgets)
 {
     auto* row = new QHBoxLayout;
-    for (QWidget* widget : widgets)
+    for (QWidget* widget : widgets) {
         row->addWidget(widget);
+    }
     return row;
 }
 
@@ -134,8 +135,9 @@ QBoxLayout* createEntry(Maker& maker, MealControls& ui)
     ui.cmdDate->setFixedWidth(ui.cmdDate->sizeHint().height());
     ui.txtTime = maker.makeField("txtTime", QStringLiteral("Time"), kTimeCharacters);
     ui.cboMealType = maker.make<QComboBox>("cboMealType", QStringLiteral("Meal type"));
-    for (const MealType& type : mealTypes())
+    for (const MealType& type : mealTypes()) {
         ui.cboMealType->addItem(type.name, type.code);
+    }
     ui.cboMealType->setCurrentIndex(-1);
     ui.txtInsulinDosage = maker.makeField("txtInsulinDosage", QStringLiteral("Insulin dose"), kDoseCharacters);
     ui.lblDate = maker.makeLabel("lblDate", QStringLiteral("Date"), ui.txtDate);
@@ -172,8 +174,9 @@ QBoxLayout* createButtons(Maker& maker, MealControls& ui)
 
     QBoxLayout* row = rowOf({ui.cmdGetOldMeal, ui.cmdModifyOldMeal});
     row->addStretch();
-    for (QPushButton* button : {ui.cmdOK, ui.cmdCancel, ui.cmdSave})
+    for (QPushButton* button : {ui.cmdOK, ui.cmdCancel, ui.cmdSave}) {
         row->addWidget(button);
+    }
     return row;
 }
 

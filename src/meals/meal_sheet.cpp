@@ -127,10 +127,11 @@ bool MealSheet::isFoodLine(int line) const
 
 bool MealSheet::beginsWithNumber(const QString& line)
 {
-    if (line.isEmpty())
+    if (line.isEmpty()) {
         throw RunTimeError(ErrorNumber::SubscriptOutOfRange)
             .withHint(QStringLiteral("An empty line of the meal is selected: select a food's line to change its "
                                      "quantity."));
+    }
     return runtime::isNumeric(firstColumn(line));
 }
 
@@ -152,18 +153,21 @@ double MealSheet::totalCarbohydrate() const
 
 std::size_t MealSheet::rowOf(int line) const
 {
-    if (!isFoodLine(line))
+    if (!isFoodLine(line)) {
         throw RunTimeError(ErrorNumber::SubscriptOutOfRange);
+    }
     return static_cast<std::size_t>(line - kFirstFoodLine);
 }
 
 Nutrients MealSheet::totalOf(const std::vector<Row>& rows)
 {
     Nutrients total;
-    for (const Row& row : rows)
+    for (const Row& row : rows) {
         total += row.portion;
-    if (!isFinite(total))
+    }
+    if (!isFinite(total)) {
         throw RunTimeError(ErrorNumber::Overflow).withHint(QStringLiteral("The quantity is too large."));
+    }
     return total;
 }
 

@@ -56,8 +56,9 @@ std::vector<Portion> portionsOf(const MealSheet& sheet)
 {
     std::vector<Portion> portions;
     for (int line = 1; line < static_cast<int>(sheet.lines().size()); ++line) {
-        if (sheet.isFoodLine(line) && sheet.gramsAt(line) != 0)
+        if (sheet.isFoodLine(line) && sheet.gramsAt(line) != 0) {
             portions.push_back({sheet.foodNumberAt(line), sheet.gramsAt(line)});
+        }
     }
     return portions;
 }
@@ -106,14 +107,18 @@ QString textOf(Refusal refusal)
 
 std::optional<Refusal> refusalOf(const MealEntry& entry, const MealSheet& sheet)
 {
-    if (!entry.type)
+    if (!entry.type) {
         return Refusal::NoType;
-    if (!runtime::isNumeric(entry.insulinDose))
+    }
+    if (!runtime::isNumeric(entry.insulinDose)) {
         return Refusal::DoseNotANumber;
-    if (runtime::toDouble(entry.insulinDose) == 0 && entry.type != kSnack)
+    }
+    if (runtime::toDouble(entry.insulinDose) == 0 && entry.type != kSnack) {
         return Refusal::ZeroDose;
-    if (!sheet.hasFood())
+    }
+    if (!sheet.hasFood()) {
         return Refusal::NoFood;
+    }
     return std::nullopt;
 }
 
@@ -140,8 +145,9 @@ qint32 saveMeal(const QString& diaryPath, const MealEntry& entry, const MealShee
 
         data::Recordset content =
             database.openRecordset(QStringLiteral("Select * from MealContent where MealID = -999999"));
-        for (const Portion& portion : portions)
+        for (const Portion& portion : portions) {
             addPortion(content, mealNumber, portion);
+        }
         content.close();
         database.close();
         return mealNumber;
@@ -164,8 +170,9 @@ QList<StoredMeal> storedMeals(const QString& diaryPath)
             .withHint(QStringLiteral("There is no stored meal yet."));
     }
     QList<StoredMeal> newestFirst;
-    for (meals.moveLast(); !meals.bof(); meals.movePrevious())
+    for (meals.moveLast(); !meals.bof(); meals.movePrevious()) {
         newestFirst.append(mealIn(meals));
+    }
     meals.close();
     database.close();
     return newestFirst;
@@ -182,8 +189,9 @@ MealEntry entryOf(const StoredMeal& meal)
     const QList<MealType>& types = mealTypes();
     const auto type = std::find_if(types.begin() + 1, types.end(),
                                    [&](const MealType& candidate) { return candidate.name == meal.description; });
-    if (type != types.end())
+    if (type != types.end()) {
         entry.type = type->code;
+    }
     return entry;
 }
 

@@ -61,15 +61,16 @@ qint32 nextNumber(data::Database& database)
 /// A column that is no nutrient. Weights, measures and refuse stay unset.
 void setFixed(data::Recordset& row, const QString& column, const NewFood& food, qint32 number)
 {
-    if (column == u"Shrt_Desc")
+    if (column == u"Shrt_Desc") {
         row.set(column, food.description);
-    else if (column == u"NDB_No")
+    } else if (column == u"NDB_No") {
         row.set(column, number);
-    // As numbers, not as truth values: a flag kept in a number column is 1, and "true" would be -1 there.
-    else if (column == u"Recipe")
+    } else if (column == u"Recipe") {
+        // As numbers, not as truth values: a flag kept in a number column is 1, and "true" would be -1 there.
         row.set(column, qint32{food.isRecipe});
-    else if (column == u"Ingredient")
+    } else if (column == u"Ingredient") {
         row.set(column, qint32{food.isIngredient});
+    }
 }
 
 void setNutrient(data::Recordset& row, const NewFood::Value& value)
@@ -77,8 +78,9 @@ void setNutrient(data::Recordset& row, const NewFood::Value& value)
     try {
         row.set(value.column, value.text.isEmpty() ? 0.0 : runtime::toDouble(value.text));
     } catch (const RunTimeError& error) {
-        if (error.code() == ErrorNumber::ItemNotFound)
+        if (error.code() == ErrorNumber::ItemNotFound) {
             throw;
+        }
         throw error.withHint(
             QStringLiteral("'%1' takes no such value: type a number. Nothing was stored.").arg(value.column));
     }
@@ -92,8 +94,9 @@ QStringList nutrientColumns(const QString& diaryPath)
     const data::Recordset foods = openWithoutRows(database);
     QStringList nutrients;
     for (int position = 0; position < foods.fieldCount(); ++position) {
-        if (const QString& column = foods.field(position).name; !isFixed(column))
+        if (const QString& column = foods.field(position).name; !isFixed(column)) {
             nutrients.append(column);
+        }
     }
     return nutrients;
 }
@@ -110,10 +113,12 @@ qint32 SaveIngredient(const QString& diaryPath, const NewFood& food)
     const qint32 lngNDBNo = nextNumber(database);
     data::Recordset row = openWithoutRows(database);
     row.addNew();
-    for (int position = 0; position < row.fieldCount(); ++position)
+    for (int position = 0; position < row.fieldCount(); ++position) {
         setFixed(row, row.field(position).name, food, lngNDBNo);
-    for (const NewFood::Value& value : food.values)
+    }
+    for (const NewFood::Value& value : food.values) {
         setNutrient(row, value);
+    }
     row.update();
     row.close();
     database.close();

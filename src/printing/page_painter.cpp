@@ -62,8 +62,9 @@ struct Scale {
 QString withoutControls(QString text)
 {
     for (QChar& character : text) {
-        if (character != u'\t' && character.category() == QChar::Other_Control)
+        if (character != u'\t' && character.category() == QChar::Other_Control) {
             character = u' ';
+        }
     }
     return text;
 }
@@ -84,10 +85,11 @@ public:
     void draw(const Page& page)
     {
         for (auto mark = page.begin(); mark != page.end(); ++mark) {
-            if (const auto* text = std::get_if<PlacedText>(&*mark))
+            if (const auto* text = std::get_if<PlacedText>(&*mark)) {
                 draw(*text, roomFor(*text, mark + 1, page.end()));
-            else
+            } else {
                 draw(std::get<PlacedPicture>(*mark));
+            }
         }
     }
 
@@ -97,10 +99,12 @@ private:
     {
         for (; next != end; ++next) {
             const auto* other = std::get_if<PlacedText>(&*next);
-            if (other == nullptr || other->corner.y() != text.corner.y() || other->corner.x() <= text.corner.x())
+            if (other == nullptr || other->corner.y() != text.corner.y() || other->corner.x() <= text.corner.x()) {
                 break;
-            if (!other->text.trimmed().isEmpty())
+            }
+            if (!other->text.trimmed().isEmpty()) {
                 return (other->corner.x() - text.corner.x() - kGap) * scale_.across;
+            }
         }
         return device_.width() - text.corner.x() * scale_.across;
     }
@@ -122,12 +126,14 @@ private:
 
         painter_.save();
         painter_.translate(mark.corner.x() * scale_.across, mark.corner.y() * scale_.down + plain_.ascent());
-        if (width > room)
+        if (width > room) {
             painter_.scale(std::max(room / width, kNarrowest), 1);
+        }
         painter_.setFont(styled);
         painter_.setPen(pure(mark.style.colour));
-        for (const Piece& piece : pieces)
+        for (const Piece& piece : pieces) {
             painter_.drawText(QPointF(piece.offset, 0), piece.text);
+        }
         painter_.restore();
     }
 
@@ -156,13 +162,15 @@ PageMetrics metricsOf(const QPagedPaintDevice& device)
 bool paintPages(QPagedPaintDevice& device, const Pages& pages)
 {
     QPainter painter;
-    if (!painter.begin(&device))
+    if (!painter.begin(&device)) {
         return false;
+    }
     painter.setRenderHint(QPainter::LosslessImageRendering); // text in a picture stays sharp
     PagePainter page(painter, device);
     for (auto marks = pages.begin(); marks != pages.end(); ++marks) {
-        if (marks != pages.begin() && !device.newPage())
+        if (marks != pages.begin() && !device.newPage()) {
             return false;
+        }
         page.draw(*marks);
     }
     return painter.end();

@@ -21,8 +21,9 @@ PagePrinter::PagePrinter(const PageMetrics& metrics, Deliver deliver) : metrics_
 
 void PagePrinter::makeRoomForLine()
 {
-    if (position_.y() + metrics_.lineHeight <= metrics_.height + kTolerance)
+    if (position_.y() + metrics_.lineHeight <= metrics_.height + kTolerance) {
         return;
+    }
     const double x = position_.x();
     newPage();
     position_.setX(x);
@@ -37,14 +38,16 @@ void PagePrinter::print(const QString& text)
 
 void PagePrinter::printImage(const QImage& image)
 {
-    if (image.isNull())
+    if (image.isNull()) {
         return;
+    }
     makeRoomForLine();
     const QPointF corner(std::max(0.0, position_.x()), std::max(0.0, position_.y()));
     const QSizeF room(metrics_.width - corner.x(), metrics_.height - corner.y());
     QSizeF size = image.deviceIndependentSize() * kTwipsPerPixel;
-    if (size != size.boundedTo(room))
+    if (size != size.boundedTo(room)) {
         size.scale(room, Qt::KeepAspectRatio);
+    }
     place(PlacedPicture{QRectF(corner, size), image});
     position_ = {0, corner.y() + size.height()};
 }
@@ -65,14 +68,16 @@ void PagePrinter::endDocument()
 {
     const Pages document = std::exchange(pages_, {});
     position_ = {};
-    if (!document.empty())
+    if (!document.empty()) {
         deliver_(document);
+    }
 }
 
 void PagePrinter::begin()
 {
-    if (pages_.empty())
+    if (pages_.empty()) {
         pages_.emplace_back();
+    }
 }
 
 void PagePrinter::place(Mark mark)

@@ -40,20 +40,23 @@ void frmAddBloodSugar::Form_Load()
 
 void frmAddBloodSugar::txtBloodSugar_LostFocus()
 {
-    if (!runtime::isNumeric(txtBloodSugar->text()))
+    if (!runtime::isNumeric(txtBloodSugar->text())) {
         focus_->giveBack(*txtBloodSugar);
+    }
 }
 
 void frmAddBloodSugar::txtDate_LostFocus()
 {
-    if (!runtime::isDate(txtDate->text()))
+    if (!runtime::isDate(txtDate->text())) {
         focus_->giveBack(*txtDate);
+    }
 }
 
 void frmAddBloodSugar::txtTime_LostFocus()
 {
-    if (!runtime::isDate(txtTime->text()))
+    if (!runtime::isDate(txtTime->text())) {
         focus_->giveBack(*txtTime);
+    }
 }
 
 void frmAddBloodSugar::cmdOK_Click()
@@ -91,8 +94,9 @@ void frmAddBloodSugar::createControls()
     addRow(*grid, "lblType", QStringLiteral("Type ......."), "cboType", *(cboType = new QComboBox));
     addRow(*grid, "lblComment", QStringLiteral("Comments - 50 characters or less"), "txtComment",
            *(txtComment = new QLineEdit));
-    for (const ReadingType& type : readingTypes())
+    for (const ReadingType& type : readingTypes()) {
         cboType->addItem(type.name, type.code);
+    }
     txtComment->setMaxLength(kCommentLength);
     txtComment->setMinimumWidth(fontMetrics().averageCharWidth() * kCommentLength);
 
@@ -141,8 +145,9 @@ void frmAddBloodSugar::connectHandlers()
     focus_->watch(*txtTime, handlers.function(&frmAddBloodSugar::txtTime_LostFocus));
     focus_->watch(*txtComment);
     connect(focus_, &FieldFocus::entered, this, &controls::SelectAll);
-    for (const QLineEdit* field : {txtBloodSugar, txtDate, txtTime})
+    for (const QLineEdit* field : {txtBloodSugar, txtDate, txtTime}) {
         handlers.connect(field, &QLineEdit::textChanged, &frmAddBloodSugar::allowSaving);
+    }
     handlers.connect(cboType, &QComboBox::currentIndexChanged, &frmAddBloodSugar::allowSaving);
     handlers.connect(cmdOK, &QPushButton::clicked, &frmAddBloodSugar::cmdOK_Click);
     handlers.connect(cmdCancel, &QPushButton::clicked, &frmAddBloodSugar::cmdCancel_Click);

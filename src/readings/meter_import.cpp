@@ -30,15 +30,17 @@ enum FieldPosition { DateField, TimeField, LevelField };
 QStringList fieldsOf(const TextLines& lines)
 {
     QStringList fields = lines.text().split(u',');
-    if (lines.isCut())
+    if (lines.isCut()) {
         fields.removeLast();
+    }
     return fields;
 }
 
 const QString& fieldAt(FieldPosition position, const QStringList& fields)
 {
-    if (position >= fields.size())
+    if (position >= fields.size()) {
         throw RunTimeError(ErrorNumber::SubscriptOutOfRange).withHint(QStringLiteral("It has too few fields."));
+    }
     return fields.at(position);
 }
 
@@ -55,10 +57,12 @@ runtime::Date dateIn(const QString& text, const QString& hint)
 double levelIn(const QString& text)
 {
     const std::optional<double> level = runtime::parseNumber(text, QLocale::c());
-    if (!level)
+    if (!level) {
         throw RunTimeError(ErrorNumber::TypeMismatch).withHint(QStringLiteral("Its reading is not a number."));
-    if (!std::isfinite(*level))
+    }
+    if (!std::isfinite(*level)) {
         throw RunTimeError(ErrorNumber::Overflow).withHint(QStringLiteral("Its reading is too large."));
+    }
     return *level;
 }
 
@@ -71,12 +75,14 @@ public:
     void take(const QStringList& fields)
     {
         const QString date = fields.value(DateField).mid(1);
-        if (!runtime::isDate(date))
+        if (!runtime::isDate(date)) {
             return;
+        }
         const runtime::Date time = dateIn(date + u' ' + fieldAt(TimeField, fields).mid(1),
                                           QStringLiteral("Its date and time together are not a moment."));
-        if (cutOff().days < time.days)
+        if (cutOff().days < time.days) {
             add(time, levelIn(fieldAt(LevelField, fields)));
+        }
     }
 
     [[nodiscard]] int added() const { return added_; }
@@ -86,16 +92,18 @@ private:
     /// Converted at the first reading: a file without one needs no cut-off.
     runtime::Date cutOff()
     {
-        if (!cutOff_)
+        if (!cutOff_) {
             cutOff_ = dateIn(after_, QStringLiteral("The cut-off \"%1\" is not a date and time.").arg(after_));
+        }
         return *cutOff_;
     }
 
     void add(runtime::Date time, double level)
     {
-        if (added_ == kMostReadings)
+        if (added_ == kMostReadings) {
             throw RunTimeError(ErrorNumber::Overflow)
                 .withHint(QStringLiteral("One import adds at most %1 readings.").arg(kMostReadings));
+        }
         readings_.addNew();
         readings_.set(QStringLiteral("ReadingTime"), time);
         readings_.set(QStringLiteral("BloodSugerLevel"), level);
@@ -125,8 +133,9 @@ void commit(data::Database::Batch& batch)
 QString quoted(QString line)
 {
     constexpr qsizetype kMostCharacters = 60;
-    if (line.size() > kMostCharacters)
+    if (line.size() > kMostCharacters) {
         line = line.left(kMostCharacters) + QStringLiteral("...");
+    }
     std::replace_if(
         line.begin(), line.end(), [](QChar character) { return !character.isPrint(); }, u' ');
     return u'"' + line + u'"';
@@ -163,8 +172,9 @@ int ImportReadings(const MeterImport& import)
     Pass pass(database.openRecordset(QStringLiteral("BloodSugarLevels")), import.after);
     data::Database::Batch batch(database);
     try {
-        while (lines.next())
+        while (lines.next()) {
             pass.take(fieldsOf(lines));
+        }
     } catch (const RunTimeError& error) {
         commit(batch);
         throw stoppedAt(lines, error, pass);

@@ -41,8 +41,9 @@ const QList<ReadingType>& readingTypes()
 int likelyReadingType(runtime::Date now)
 {
     const int hour = runtime::partsOf(now).hour;
-    if (hour < 9)
+    if (hour < 9) {
         return kGettingUp;
+    }
     return hour < 22 ? kMeal : kPreBed;
 }
 

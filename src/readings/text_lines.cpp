@@ -30,16 +30,19 @@ bool hasWideCharacters(const QByteArray& start)
 
 TextLines::TextLines(const QString& path) : file_(path)
 {
-    if (!file_.exists())
+    if (!file_.exists()) {
         throw RunTimeError(ErrorNumber::FileNotFoundOnDisk)
             .withHint(QStringLiteral("There is no file at '%1'.").arg(path));
-    if (!file_.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    }
+    if (!file_.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         throw RunTimeError(ErrorNumber::DiskError).withHint(QStringLiteral("'%1': %2.").arg(path, file_.errorString()));
-    if (fill() && hasWideCharacters(chunk_))
+    }
+    if (fill() && hasWideCharacters(chunk_)) {
         throw RunTimeError(ErrorNumber::InvalidFileFormat)
             .withHint(QStringLiteral("'%1' is no text of 8-bit characters. Save it as plain text (ANSI or UTF-8) and "
                                      "import that.")
                           .arg(path));
+    }
 }
 
 bool TextLines::next()
@@ -73,13 +76,15 @@ QString TextLines::text() const
 /// Makes sure that there is a byte to read; false at the end of the file.
 bool TextLines::fill()
 {
-    if (at_ < chunk_.size())
+    if (at_ < chunk_.size()) {
         return true;
+    }
     chunk_.resize(kChunkBytes);
     const qint64 count = file_.read(chunk_.data(), kChunkBytes);
-    if (file_.error() != QFile::NoError)
+    if (file_.error() != QFile::NoError) {
         throw RunTimeError(ErrorNumber::DiskError)
             .withHint(QStringLiteral("'%1': %2.").arg(file_.fileName(), file_.errorString()));
+    }
     chunk_.resize(std::max<qint64>(count, 0));
     at_ = 0;
     return !chunk_.isEmpty();
@@ -95,8 +100,9 @@ void TextLines::keep(const char* begin, const char* end)
 void TextLines::skipLineEnd()
 {
     const bool isReturn = chunk_.at(at_++) == '\r';
-    if (isReturn && fill() && chunk_.at(at_) == '\n')
+    if (isReturn && fill() && chunk_.at(at_) == '\n') {
         ++at_;
+    }
 }
 
 } // namespace readings

@@ -27,8 +27,9 @@ protected:
     }
     ~MainDiaries() override
     {
-        while (QApplication::overrideCursor() != nullptr)
+        while (QApplication::overrideCursor() != nullptr) {
             QApplication::restoreOverrideCursor();
+        }
     }
 
     /// 60 g of bread: 150 kCal, 30 g of carbohydrate, 1.2 g of fat and 5.4 g of protein, which make

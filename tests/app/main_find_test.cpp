@@ -36,8 +36,9 @@ protected:
     /// Lines "line 0" to "line 99", every tenth of them with a meal.
     void fill()
     {
-        for (int line = 0; line < 100; ++line)
+        for (int line = 0; line < 100; ++line) {
             state().lstView.addItem(QStringLiteral("line %1%2").arg(line).arg(line % 10 == 5 ? "\tMeal + 2" : ""));
+        }
     }
 };
 
@@ -119,8 +120,9 @@ TEST_F(MainFind, HasItsKeys)
 
 TEST_F(MainFind, BeyondTheLinesThatTheSearchCanCountThereIsAnError)
 {
-    for (int line = 0; line <= 32768; ++line)
+    for (int line = 0; line <= 32768; ++line) {
         state().lstView.addItem(QStringLiteral("x"));
+    }
     EXPECT_CALL(dialogs, showError(&*window, testing::Truly([](const QString& text) {
                     return text.startsWith("Run-time error '6':");
                 }),

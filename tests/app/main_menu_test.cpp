@@ -25,8 +25,9 @@ TEST_F(MainWindow, HasItsMenusInOrder)
     std::vector<std::string> lines;
     for (const QAction* bar : window->menuBar()->actions()) {
         lines.push_back((bar->menu()->objectName() + ": " + bar->text()).toStdString());
-        for (const QAction* entry : bar->menu()->actions())
+        for (const QAction* entry : bar->menu()->actions()) {
             lines.push_back(line(*entry));
+        }
     }
     EXPECT_THAT(lines, ElementsAre("mnuFile: File",                                    //
                                    "  mnuExport: Export",                              //
@@ -74,14 +75,16 @@ TEST_F(MainWindow, ExportAndImportAreGreyedAndDoNothing)
 
 TEST_F(MainWindow, EveryEntrySaysWhatItDoesOrThatItIsNotThereYet)
 {
-    for (const QAction* bar : window->menuBar()->actions())
+    for (const QAction* bar : window->menuBar()->actions()) {
         for (const QAction* entry : bar->menu()->actions()) {
-            if (entry->isSeparator())
+            if (entry->isSeparator()) {
                 continue;
+            }
             EXPECT_FALSE(entry->statusTip().isEmpty()) << entry->objectName().toStdString();
             EXPECT_EQ(entry->statusTip() == "Not in this version of Quillon.", !entry->isEnabled())
                 << entry->objectName().toStdString();
         }
+    }
 }
 
 TEST_F(MainWindow, TheStatusBarShowsTheTipOfAnEntry)

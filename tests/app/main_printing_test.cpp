@@ -50,8 +50,9 @@ TEST_F(MainPrinting, TheDisplayedReportIsPrintedInItsColumnsAndColours)
 
 TEST_F(MainPrinting, SelectedLinesAlonePrintInTheOrderOfTheList)
 {
-    for (const char* line : {"one", "two", "three", "four"})
+    for (const char* line : {"one", "two", "three", "four"}) {
         state().lstView.addItem(QString::fromLatin1(line));
+    }
     state().PrintTabs = {1000};
     view().addToSelection(3);
     view().addToSelection(1);
@@ -78,8 +79,9 @@ TEST_F(MainPrinting, TheLineCounterGoesOnFromJobToJob)
 {
     // 64 lines high: 64 - 3 = 61 lines a page, and the break comes behind line 61 + 2.
     state().PrintTabs = {1000};
-    for (int line = 0; line < 40; ++line)
+    for (int line = 0; line < 40; ++line) {
         state().lstView.addItem(QStringLiteral("x"));
+    }
     print("mnuPrintCurrent");
     print("mnuPrintCurrent");
     ASSERT_THAT(printers.printout, SizeIs(2));
@@ -105,8 +107,9 @@ TEST_F(MainPrinting, WhoWantsNoPrinterGetsNoPrintout)
 {
     diary.addReading("02/03/2002 08:15", 5.6, 2);
     printers.cancelled = true;
-    for (const char* entry : {"mnuPrntBasicBloodSugar", "mnuPrintDailyAnalysis", "mnuPrintCurrent"})
+    for (const char* entry : {"mnuPrntBasicBloodSugar", "mnuPrintDailyAnalysis", "mnuPrintCurrent"}) {
         print(entry);
+    }
     EXPECT_THAT(printers.documents, SizeIs(3));
     EXPECT_THAT(printers.printout, IsEmpty());
 }
@@ -129,8 +132,9 @@ TEST_F(MainPrinting, TheBasicReportOnPaperWithoutReadingsIsAnErrorAndPrintsNothi
                 }),
                                    QString("Quillon")));
     print("mnuPrntBasicBloodSugar");
-    for (const PrintedDocument& document : printers.printout)
+    for (const PrintedDocument& document : printers.printout) {
         EXPECT_FALSE(document.isPrinted());
+    }
 }
 
 TEST_F(MainPrinting, ThePrintedWindowStandsInTheMiddleUnderItsCaption)
@@ -151,8 +155,9 @@ TEST_F(MainPrinting, AfterPrintingItTheWindowIsWhatItWas)
     print("mnuPrintDailyAnalysis");
     EXPECT_EQ(window->windowTitle().toStdString(), "Quillon");
     EXPECT_EQ(window->size(), size);
-    for (const QAction* menu : window->menuBar()->actions())
+    for (const QAction* menu : window->menuBar()->actions()) {
         EXPECT_TRUE(menu->isVisible()) << menu->text().toStdString();
+    }
 }
 
 TEST_F(MainPrinting, AFailureWhileItPrintsTheWindowLeavesTheWindowAsItWas)
@@ -163,8 +168,9 @@ TEST_F(MainPrinting, AFailureWhileItPrintsTheWindowLeavesTheWindowAsItWas)
     print("mnuPrintDailyAnalysis");
     EXPECT_EQ(window->windowTitle().toStdString(), "Quillon");
     EXPECT_EQ(window->size(), size);
-    for (const QAction* menu : window->menuBar()->actions())
+    for (const QAction* menu : window->menuBar()->actions()) {
         EXPECT_TRUE(menu->isVisible()) << menu->text().toStdString();
+    }
 }
 
 } // namespace

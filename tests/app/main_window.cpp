@@ -27,8 +27,9 @@ void MainWindow::open(const char* now)
 std::vector<std::string> MainWindow::lines()
 {
     std::vector<std::string> lines;
-    for (qsizetype line = 0; line < state().lstView.size(); ++line)
+    for (qsizetype line = 0; line < state().lstView.size(); ++line) {
         lines.push_back(state().lstView.at(line).text.toStdString());
+    }
     return lines;
 }
 

@@ -62,8 +62,9 @@ protected:
     {
         record();
         QStringList all;
-        for (const int column : {mmol, type, time, comment})
+        for (const int column : {mmol, type, time, comment}) {
             all.append(record().text(column));
+        }
         return all.join(" | ").toStdString();
     }
 
@@ -90,8 +91,9 @@ protected:
         std::vector<std::string> lines;
         for (; !readings.eof(); readings.moveNext()) {
             QStringList fields;
-            for (const char* name : {"BloodSugerLevel", "ReadingType", "ReadingTime", "Comment"})
+            for (const char* name : {"BloodSugerLevel", "ReadingType", "ReadingTime", "Comment"}) {
                 fields.append(runtime::toText(readings.value(QLatin1String(name))));
+            }
             lines.push_back(fields.join(" | ").toStdString());
         }
         return lines;
@@ -150,8 +152,9 @@ TEST_F(BoundRecordTest, CanMoveOnlyWhereThereAreRecords)
 {
     const auto ways = [this] {
         std::string list;
-        for (const Move move : {Move::First, Move::Previous, Move::Next, Move::Last})
+        for (const Move move : {Move::First, Move::Previous, Move::Next, Move::Last}) {
             list += record().canMove(move) ? '+' : '-';
+        }
         return list;
     };
     EXPECT_EQ(ways(), "--++");
@@ -228,8 +231,9 @@ TEST_F(BoundRecordTest, MovingWithNothingChangedNeverWrites)
     record().edit(mmol, "6.5");
     record().edit(mmol, "5.1"); // typed back
     EXPECT_FALSE(record().isEdited());
-    for (const Move where : {Move::Next, Move::Last, Move::Previous, Move::First})
+    for (const Move where : {Move::Next, Move::Last, Move::Previous, Move::First}) {
         move(where);
+    }
     store();
     EXPECT_EQ(bytesOf(diary.path()), before);
 }

@@ -35,8 +35,9 @@ protected:
         Window(Dialogs& dialogs, const DataControl::Source& source) : control(*this, dialogs, "Blood Sugar", source)
         {
             auto* rows = new QVBoxLayout(this);
-            for (QWidget* widget : std::initializer_list<QWidget*>{&mmol, &comment, &type, &control})
+            for (QWidget* widget : std::initializer_list<QWidget*>{&mmol, &comment, &type, &control}) {
                 rows->addWidget(widget);
+            }
             mmol.setAccessibleName("Mmol");
             comment.setMaxLength(5);
             control.bind(mmol, "BloodSugerLevel");
@@ -45,8 +46,9 @@ protected:
         }
         ~Window() override
         {
-            for (QWidget* widget : std::initializer_list<QWidget*>{&mmol, &comment, &type, &control})
+            for (QWidget* widget : std::initializer_list<QWidget*>{&mmol, &comment, &type, &control}) {
                 widget->setParent(nullptr);
+            }
         }
 
         QLineEdit mmol;
@@ -137,8 +139,9 @@ TEST_F(DataControlTest, ButtonsAreDisabledWhereThereIsNowhereToGo)
     open();
     const auto enabled = [this] {
         std::string list;
-        for (const char* name : {"cmdFirst", "cmdPrevious", "cmdNext", "cmdLast"})
+        for (const char* name : {"cmdFirst", "cmdPrevious", "cmdNext", "cmdLast"}) {
             list += button(name).isEnabled() ? '+' : '-';
+        }
         return list;
     };
     EXPECT_EQ(enabled(), "--++");

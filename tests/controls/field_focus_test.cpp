@@ -22,12 +22,14 @@ protected:
     void SetUp() override
     {
         auto* layout = new QVBoxLayout(&form);
-        for (QWidget* control : std::initializer_list<QWidget*>{&first, &second, &button})
+        for (QWidget* control : std::initializer_list<QWidget*>{&first, &second, &button}) {
             layout->addWidget(control);
+        }
         focus.watch(first, [this] {
             ++firstLeft;
-            if (first.text() == u"wrong")
+            if (first.text() == u"wrong") {
                 focus.giveBack(first);
+            }
         });
         focus.watch(second, [this] { ++secondLeft; });
         QObject::connect(&focus, &FieldFocus::entered, &SelectAll);
@@ -37,8 +39,9 @@ protected:
     }
     void TearDown() override
     {
-        for (QWidget* control : std::initializer_list<QWidget*>{&first, &second, &button})
+        for (QWidget* control : std::initializer_list<QWidget*>{&first, &second, &button}) {
             control->setParent(nullptr);
+        }
     }
 
     QWidget form;

@@ -34,8 +34,9 @@ TEST(ReportListModel, TellsLinesThatAreAddedOneByOneTogether)
     reports::ReportList list;
     const ReportListModel model(list);
     const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
-    for (int line = 0; line < 1000; ++line)
+    for (int line = 0; line < 1000; ++line) {
         list.addItem(QString::number(line));
+    }
     handlePostedEvents();
     EXPECT_EQ(inserted.count(), 1);
     EXPECT_EQ(model.rowCount(), 1000);
@@ -90,8 +91,9 @@ TEST(ReportListModel, SaysNothingOfALineThatIsRewrittenBeforeViewsKnowOfIt)
 TEST(ReportListModel, TellsRemovedLinesAtOnce)
 {
     reports::ReportList list;
-    for (int line = 0; line < 5; ++line)
+    for (int line = 0; line < 5; ++line) {
         list.addItem(QString::number(line));
+    }
     ReportListModel model(list);
     const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
     const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
@@ -105,8 +107,9 @@ TEST(ReportListModel, TellsRemovedLinesAtOnce)
 TEST(ReportListModel, TellsOnlyOfRemovedLinesThatViewsKnowOf)
 {
     reports::ReportList list;
-    for (int line = 0; line < 4; ++line)
+    for (int line = 0; line < 4; ++line) {
         list.addItem(QString::number(line));
+    }
     const ReportListModel model(list);
     const QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
     const QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);

@@ -43,8 +43,9 @@ protected:
 
     void addLines(int count)
     {
-        for (int line = 0; line < count; ++line)
+        for (int line = 0; line < count; ++line) {
             list.addItem(QStringLiteral("line\t%1").arg(line));
+        }
         handlePostedEvents();
     }
 
@@ -71,8 +72,9 @@ TEST_F(ReportListViewTest, SelectOnlySelectsALineJustAddedAndBringsItIntoSight)
 {
     addLines(10);
     click(2);
-    for (int line = 10; line < 100; ++line)
+    for (int line = 10; line < 100; ++line) {
         list.addItem(QStringLiteral("line\t%1").arg(line));
+    }
     view.selectOnly(99);
     EXPECT_THAT(view.selectedLines(), ElementsAre(99));
     EXPECT_TRUE(view.viewport()->rect().contains(view.visualRect(model.index(99))));
@@ -158,8 +160,9 @@ TEST_F(ReportListViewTest, ATopLineNearTheEndKeepsTheLastPageFull)
 
 TEST_F(ReportListViewTest, TheTopLineCanBeSetAmongLinesThatWereJustAdded)
 {
-    for (int line = 0; line < 1000; ++line)
+    for (int line = 0; line < 1000; ++line) {
         list.addItem(QString::number(line));
+    }
     view.setTopIndex(300);
     EXPECT_EQ(view.topIndex(), 300);
 }
@@ -244,8 +247,9 @@ TEST_F(ReportListViewTest, AColumnIsDrawnAtItsTabStop)
     const QColor background = view.palette().color(QPalette::Base);
     const int middle = view.visualRect(model.index(0)).center().y();
     int first = 0;
-    while (first < picture.width() && picture.pixelColor(first, middle) == background)
+    while (first < picture.width() && picture.pixelColor(first, middle) == background) {
         ++first;
+    }
     const double stop = 20 * averageCharacterWidth(QFontMetricsF(view.font()));
     EXPECT_NEAR(first, stop, 8) << "a margin and the side bearing of the bar away from the stop";
 }
@@ -263,8 +267,9 @@ TEST_F(ReportListViewTest, AStyleCodeDoesNotShowOnTheScreen)
 
 TEST_F(ReportListViewTest, AMillionLinesCostNoMoreQuestionsThanAPageOfThem)
 {
-    for (int line = 0; line < 1'000'000; ++line)
+    for (int line = 0; line < 1'000'000; ++line) {
         list.addItem(QStringLiteral("line\t7.0"));
+    }
     handlePostedEvents();
     view.grab();
     view.setTopIndex(500'000);

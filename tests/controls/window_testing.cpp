@@ -30,8 +30,9 @@ void whenModal(std::function<void(QWidget&)> act)
         }
         EXPECT_TRUE(QTest::qWaitForWindowActive(modal));
         act(*modal);
-        if (modal != nullptr)
+        if (modal != nullptr) {
             modal->close();
+        }
     });
 }
 
@@ -53,8 +54,9 @@ class QtFailures : public testing::EmptyTestEventListener
 
 int main(int argc, char* argv[])
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     const QApplication application(argc, argv);
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
     testing::InitGoogleTest(&argc, argv);

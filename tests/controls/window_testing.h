@@ -21,8 +21,9 @@ template <typename Control>
 [[nodiscard]] Control& child(const QObject& parent, const char* name)
 {
     auto* found = parent.findChild<Control*>(QLatin1String(name));
-    if (found == nullptr)
+    if (found == nullptr) {
         throw std::invalid_argument(std::string("no control of this kind is called ") + name);
+    }
     return *found;
 }
 

@@ -46,8 +46,9 @@ std::string week(const CalendarMonth& month, int row)
 std::vector<std::string> weeks(const CalendarMonth& month)
 {
     std::vector<std::string> rows;
-    for (int row = 1; row <= CalendarMonth::kWeeks; ++row)
+    for (int row = 1; row <= CalendarMonth::kWeeks; ++row) {
         rows.push_back(week(month, row));
+    }
     return rows;
 }
 
@@ -63,13 +64,15 @@ void expectAsCounted(const CalendarMonth& month, const QDate& first)
         grid.at(row).at(column) = day;
         EXPECT_EQ(month.cellOf(day), (Cell{static_cast<int>(row), static_cast<int>(column)}));
         column = (column + 1) % 7;
-        if (column == 0)
+        if (column == 0) {
             ++row;
+        }
     }
     for (int cellRow = 0; cellRow < 7; ++cellRow) {
-        for (int cellColumn = 0; cellColumn < 7; ++cellColumn)
+        for (int cellColumn = 0; cellColumn < 7; ++cellColumn) {
             EXPECT_EQ(month.dayAt({cellRow, cellColumn}),
                       grid.at(static_cast<std::size_t>(cellRow)).at(static_cast<std::size_t>(cellColumn)));
+        }
     }
 }
 
@@ -82,8 +85,9 @@ void expectYearsAsCounted(int firstYear, int lastYear)
         EXPECT_EQ(month.month(), first.month());
         EXPECT_EQ(month.day(), 1);
         expectAsCounted(month, first);
-        if (testing::Test::HasFailure())
+        if (testing::Test::HasFailure()) {
             return;
+        }
     }
 }
 
@@ -138,8 +142,9 @@ TEST(CalendarMonth, OpensOnADateAsTyped)
 
 TEST(CalendarMonth, ATextThatIsNoDateMeansThePresentDate)
 {
-    for (const char* text : {"", " ", "soon", "31/02/2002", "03/13/2002", "0/1/2002", "01/01/10000"})
+    for (const char* text : {"", " ", "soon", "31/02/2002", "03/13/2002", "0/1/2002", "01/01/10000"}) {
         EXPECT_EQ(shown(monthOf(text)), kPresent) << text;
+    }
 }
 
 TEST(CalendarMonth, ATimeAloneIsATimeOfDayZero)

@@ -45,8 +45,9 @@ protected:
     std::vector<std::string> texts(int row)
     {
         std::vector<std::string> cells;
-        for (int column = 0; column < grid().columnCount(); ++column)
+        for (int column = 0; column < grid().columnCount(); ++column) {
             cells.push_back(text(row, column));
+        }
         return cells;
     }
     /// The text of the current cell, which must be seen as such.
@@ -64,8 +65,9 @@ protected:
             for (int column = 0; column < grid().columnCount(); ++column) {
                 const QTableWidgetItem& cell = *grid().item(row, column);
                 EXPECT_EQ(cell.font().bold(), cell.toolTip() == QStringLiteral("Today"));
-                if (cell.font().bold())
+                if (cell.font().bold()) {
                     days.push_back(cell.text().toStdString());
+                }
             }
         }
         return days;
@@ -174,9 +176,10 @@ TEST_F(Calendar, MarksTodayInItsMonthAlone)
 TEST_F(Calendar, OffersTheTwelveMonthsWithTheirNumbers)
 {
     std::vector<std::string> months;
-    for (int item = 0; item < cboMonth().count(); ++item)
+    for (int item = 0; item < cboMonth().count(); ++item) {
         months.push_back(cboMonth().itemText(item).toStdString() + " " +
                          cboMonth().itemData(item).toString().toStdString());
+    }
     EXPECT_THAT(months, ElementsAre("January 1", "February 2", "March 3", "April 4", "May 5", "June 6", "July 7",
                                     "August 8", "September 9", "October 10", "November 11", "December 12"));
     EXPECT_FALSE(cboMonth().isEditable());

@@ -82,8 +82,9 @@ TEST_F(ChangeDateTest, TheTimeBehindADateGoes)
 
 TEST_F(ChangeDateTest, AnEmptyOrWrongDateOpensOnThePresentDate)
 {
-    for (const char* wrong : {"", "31/02/2001"})
+    for (const char* wrong : {"", "31/02/2001"}) {
         EXPECT_EQ(changed(wrong, [](QWidget& calendar) { press(calendar, Qt::Key_Return); }), "21/04/2002") << wrong;
+    }
 }
 
 TEST_F(ChangeDateTest, NothingPickedLeavesTheTextBoxAsItWas)

@@ -35,8 +35,9 @@ using testing_windows::showActive;
 std::vector<std::string> numberedNutrients(int count)
 {
     std::vector<std::string> names;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         names.push_back("Nutrient_" + std::to_string(i));
+    }
     return names;
 }
 
@@ -77,8 +78,9 @@ protected:
     {
         std::vector<std::string> texts;
         while (const auto* row =
-                   form->findChild<QLabel*>(QString(element("lblNutrient", static_cast<int>(texts.size())))))
+                   form->findChild<QLabel*>(QString(element("lblNutrient", static_cast<int>(texts.size()))))) {
             texts.push_back(row->text().toStdString());
+        }
         return texts;
     }
 
@@ -87,8 +89,9 @@ protected:
     {
         QTest::mouseClick(&box, Qt::LeftButton);
         box.selectAll(); // a click into the field that has the focus already selects nothing
-        if (*text == '\0')
+        if (*text == '\0') {
             QTest::keyClick(&box, Qt::Key_Delete);
+        }
         QTest::keyClicks(&box, QString::fromUtf8(text));
     }
     void press(int key) { QTest::keyClick(form->focusWidget(), static_cast<Qt::Key>(key)); }
@@ -129,8 +132,9 @@ TEST_F(AddIngredient, OpensEmptyWithARowOfZeroForEachNutrient)
 {
     open();
     EXPECT_THAT(captions(), ElementsAre("Energ_Kcal", "Carbohydrt", "Iron"));
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(value(i).text().toStdString(), "0") << i;
+    }
     EXPECT_EQ(field("txtDesc").text().toStdString(), "");
     EXPECT_FALSE(checkBox("chkRecipe").isChecked());
     EXPECT_FALSE(checkBox("chkIngredient").isChecked());
@@ -205,8 +209,9 @@ TEST_F(AddIngredient, FitsTheScreenWithItsButtonsInSight)
     open(numberedNutrients(200));
     EXPECT_LE(form->height(), form->screen()->availableSize().height());
     EXPECT_LE(form->width(), form->screen()->availableSize().width());
-    for (const char* name : {"cmdOK", "cmdSave", "cmdCancel"})
+    for (const char* name : {"cmdOK", "cmdSave", "cmdCancel"}) {
         EXPECT_TRUE(form->rect().contains(button(name).geometry())) << name;
+    }
     EXPECT_TRUE(isInSight(value(0)));
     EXPECT_FALSE(isInSight(value(199)));
 
@@ -230,10 +235,12 @@ TEST_F(AddIngredient, TabVisitsTheControlsAndWalksTheRowsInOrder)
         press(Qt::Key_Tab);
     }
     std::vector<std::string> expected{"txtDesc", "chkRecipe", "chkIngredient"};
-    for (int i = 0; i < 17; ++i)
+    for (int i = 0; i < 17; ++i) {
         expected.push_back("txtNutrientValue(" + std::to_string(i) + ")");
-    for (const char* name : {"cmdOK", "cmdSave", "cmdCancel", "txtDesc"})
+    }
+    for (const char* name : {"cmdOK", "cmdSave", "cmdCancel", "txtDesc"}) {
         expected.emplace_back(name);
+    }
     EXPECT_EQ(visited, expected);
 }
 

@@ -45,9 +45,10 @@ protected:
             EXPECT_EQ(selection.objectName().toStdString(), "frmSelectMeal");
             auto& list = child<controls::ReportListView>(selection, "lstMeals");
             testing_windows::handlePostedEvents();
-            if (line >= 0)
+            if (line >= 0) {
                 QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
                                   list.visualRect(list.model()->index(line, 0)).center());
+            }
             QTest::mouseClick(&child<QPushButton>(selection, line < 0 ? "cmdCancel" : "cmdOK"), Qt::LeftButton);
         });
         click(button);
@@ -217,10 +218,12 @@ TEST_F(AddMealSaving, ModifyOldMealReplacesItUnderANewNumber)
     clock.set(runtime::toDate(QStringLiteral("06/03/2024 18:00")));
     open();
     fetch("cmdModifyOldMeal", 0);
-    for (const char* name : {"txtDate", "txtTime"})
+    for (const char* name : {"txtDate", "txtTime"}) {
         EXPECT_FALSE(field(name).isEnabled()) << name;
-    for (const char* name : {"lblDate", "lblTime"})
+    }
+    for (const char* name : {"lblDate", "lblTime"}) {
         EXPECT_FALSE(label(name).isEnabled()) << name;
+    }
     EXPECT_FALSE(button("cmdDate").isEnabled()) << "the calendar would change the date";
     add("butter", "10");
     save();
@@ -335,8 +338,9 @@ TEST_F(AddMealSaving, TheOverallDiaryShowsTheStoredMeal)
 
     reports::DisplayDiary(state, true);
     std::vector<std::string> diary;
-    for (qsizetype line = 0; line < state.lstView.size(); ++line)
+    for (qsizetype line = 0; line < state.lstView.size(); ++line) {
         diary.push_back(state.lstView.at(line).text.toStdString());
+    }
     EXPECT_THAT(diary, Contains(StartsWith("Lunch\tTuesday 05 March 2024 12:30\t")));
     EXPECT_THAT(diary, Contains("\tRice,white,ckd\t150.0\t30.0\t1.5\t3.0\t150.0"));
     // 20 g of cookies: 60 kCal, 10 g carbohydrate
@@ -378,8 +382,9 @@ TEST_F(AddMealPrinting, ColumnsStandAtTheirPositionsInPlainBlack)
 
 TEST_F(AddMealPrinting, FurtherPagesHaveTheHeading)
 {
-    for (int food = 0; food < 70; ++food)
+    for (int food = 0; food < 70; ++food) {
         add("rice", "10");
+    }
     click("cmdPrintMeal");
     ASSERT_THAT(printers.printout, SizeIs(1));
     ASSERT_THAT(printers.printout[0].pages, SizeIs(2));

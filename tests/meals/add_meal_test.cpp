@@ -38,9 +38,10 @@ TEST_F(AddMeal, OpensWithAnEmptyMealTheDayAndTheTime)
 TEST_F(AddMeal, OffersTheFourTypesWithTheirCodes)
 {
     std::vector<std::string> items;
-    for (int item = 0; item < cboMealType().count(); ++item)
+    for (int item = 0; item < cboMealType().count(); ++item) {
         items.push_back(cboMealType().itemText(item).toStdString() + " " +
                         cboMealType().itemData(item).toString().toStdString());
+    }
     EXPECT_THAT(items, ElementsAre("Breakfast 1", "Lunch 2", "Dinner 3", "Snack 4"));
     EXPECT_FALSE(cboMealType().isEditable());
 }
@@ -260,8 +261,9 @@ TEST_F(AddMeal, ALongDescriptionMovesNoFigureFromItsPlace)
     const QString line = QStringLiteral("200.0\t") + QString(60, u'm') + QStringLiteral("\t30.0\t11.2\t3.8");
     const controls::ColumnLayout drawn = layOutColumns(line, meal.tabStops(), metrics, meal.cutColumn());
     ASSERT_EQ(drawn.columns.size(), 5);
-    for (int column = 1; column < 5; ++column)
+    for (int column = 1; column < 5; ++column) {
         EXPECT_EQ(drawn.columns[column].x, meal.tabStops().places().at(column - 1)) << column;
+    }
 }
 
 // --- Quantities ---
@@ -409,8 +411,9 @@ TEST_F(AddMeal, ADoubleClickOnAnotherLineDoesNothing)
 
 TEST_F(AddMeal, AClickFromTheQuantityIntoALongListSelectsTheLineUnderThePointer)
 {
-    for (int food = 0; food < 30; ++food)
+    for (int food = 0; food < 30; ++food) {
         add("rice", "10");
+    }
     list("lstMeal").scrollToTop();
     clickLine("lstMeal", 4);
     type("txtQuantity", "33");
@@ -420,8 +423,9 @@ TEST_F(AddMeal, AClickFromTheQuantityIntoALongListSelectsTheLineUnderThePointer)
 
 TEST_F(AddMeal, AfterAddingTheTotalsOfALongMealAreInSight)
 {
-    for (int food = 0; food < 30; ++food)
+    for (int food = 0; food < 30; ++food) {
         add("rice", "10");
+    }
     handlePostedEvents();
     controls::ReportListView& meal = list("lstMeal");
     const QRect last = meal.visualRect(meal.model()->index(34, 0));

@@ -93,11 +93,13 @@ TEST_F(EditMealTime, WalksTheMealsInStoredOrderAndNamesTheirTypes)
 
 TEST_F(EditMealTime, ATypeThatIsNoneShowsAsAnError)
 {
-    for (const int code : {0, 5, -1, 12})
+    for (const int code : {0, 5, -1, 12}) {
         addMeal("06/03/2024 12:00", code);
+    }
     open();
-    for (int step = 0; step < 4; ++step)
+    for (int step = 0; step < 4; ++step) {
         click("cmdNext");
+    }
     for (const char* code : {"0", "5", "-1", "12"}) {
         EXPECT_EQ(label("Label2"), code);
         EXPECT_EQ(label("lblMealDesc"), "Error");

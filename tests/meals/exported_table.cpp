@@ -14,7 +14,8 @@ std::vector<std::string> exportedTable(const QString& diaryPath, const char* tab
     EXPECT_TRUE(mdbExport.waitForFinished());
     EXPECT_EQ(mdbExport.exitCode(), 0);
     std::vector<std::string> records;
-    for (const QString& line : QString::fromUtf8(mdbExport.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts))
+    for (const QString& line : QString::fromUtf8(mdbExport.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
         records.push_back(line.toStdString());
+    }
     return records;
 }

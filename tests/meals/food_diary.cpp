@@ -37,8 +37,9 @@ FoodDiary::FoodDiary(const std::vector<jet::ColumnSpec>& columns, const std::vec
     key.primaryKey = true;
     file->createTable({kFoods, columns, {key}});
     for (const jet::SavedQuery& query : data::diaryQueries()) {
-        if (query.name == "Min(NDB)")
+        if (query.name == "Min(NDB)") {
             file->createQuery(query);
+        }
     }
     fill(file->table(kFoods), foods);
 }
@@ -59,12 +60,14 @@ std::vector<std::string> FoodDiary::addedFoods() const
 std::vector<jet::ColumnSpec> usualColumns(const std::vector<std::string>& nutrients)
 {
     std::vector<jet::ColumnSpec> columns{keyColumn(), textColumn("Shrt_Desc", 20)};
-    for (const std::string& nutrient : nutrients)
+    for (const std::string& nutrient : nutrients) {
         columns.push_back(numberColumn(nutrient));
+    }
     for (const jet::ColumnSpec& column :
          {numberColumn("GmWt_1"), textColumn("GmWt_Desc1", 20), numberColumn("GmWt_2"), textColumn("GmWt_Desc2", 20),
-          numberColumn("Refuse_Pct"), flagColumn("Recipe"), flagColumn("Ingredient")})
+          numberColumn("Refuse_Pct"), flagColumn("Recipe"), flagColumn("Ingredient")}) {
         columns.push_back(column);
+    }
     return columns;
 }
 

@@ -19,8 +19,9 @@ using testing::IsEmpty;
 std::vector<std::string> foundBy(const DescribedFoods& diary, const QString& text)
 {
     std::vector<std::string> descriptions;
-    for (const FoundFood& food : searchFoods(diary.path(), text))
+    for (const FoundFood& food : searchFoods(diary.path(), text)) {
         descriptions.push_back(food.description.toStdString());
+    }
     return descriptions;
 }
 

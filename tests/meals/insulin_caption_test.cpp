@@ -31,8 +31,9 @@ protected:
     QString after(const char* dose, std::optional<int> mealType)
     {
         if (const std::optional<QString> changed =
-                insulinCaption(caption, QString::fromUtf8(dose), mealType, sheet, width))
+                insulinCaption(caption, QString::fromUtf8(dose), mealType, sheet, width)) {
             caption = *changed;
+        }
         return caption;
     }
 
@@ -92,8 +93,9 @@ TEST_F(InsulinCaptionTest, WithoutADoseAFoodOrAMealTypeItIsTheWordWithDots)
 
 TEST_F(InsulinCaptionTest, ADoseThatIsNoNumberLeavesTheCaption)
 {
-    for (const char* dose : {"", "-", "abc", "4 units", "4,5"})
+    for (const char* dose : {"", "-", "abc", "4 units", "4,5"}) {
         EXPECT_FALSE(insulinCaption(caption, QString::fromUtf8(dose), kBreakfast, sheet, width)) << dose;
+    }
 }
 
 TEST_F(InsulinCaptionTest, NeverGetsNarrower)

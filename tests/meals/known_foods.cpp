@@ -23,9 +23,10 @@ QString diaryWith(const QTemporaryDir& folder, const QByteArray& foods)
 QByteArray described(const QStringList& descriptions)
 {
     QByteArray foods;
-    for (qsizetype i = 0; i < descriptions.size(); ++i)
+    for (qsizetype i = 0; i < descriptions.size(); ++i) {
         foods += QByteArray::number(i + 1) + ",\"" + QString(descriptions.at(i)).replace(u'"', "\"\"").toUtf8() +
                  "\",1,1,1,1,1\n";
+    }
     return foods;
 }
 

@@ -24,16 +24,18 @@ std::vector<std::string> MealBuilder::lines(const char* name)
     handlePostedEvents();
     const QAbstractItemModel& model = *list(name).model();
     std::vector<std::string> lines;
-    for (int row = 0; row < model.rowCount(); ++row)
+    for (int row = 0; row < model.rowCount(); ++row) {
         lines.push_back(model.index(row, 0).data().toString().toStdString());
+    }
     return lines;
 }
 
 std::vector<std::string> MealBuilder::foodLines()
 {
     std::vector<std::string> shown = lines("lstMeal");
-    if (shown.size() == 3)
+    if (shown.size() == 3) {
         return {};
+    }
     shown.erase(shown.begin(), shown.begin() + 2);
     shown.erase(shown.end() - 3, shown.end());
     return shown;
@@ -43,8 +45,9 @@ void MealBuilder::type(const char* name, const char* text)
 {
     QTest::mouseClick(&field(name), Qt::LeftButton);
     field(name).selectAll();
-    if (*text == '\0')
+    if (*text == '\0') {
         press(Qt::Key_Backspace);
+    }
     typeOn(text);
 }
 

@@ -23,8 +23,9 @@ protected:
     [[nodiscard]] std::vector<std::string> lines() const
     {
         std::vector<std::string> texts;
-        for (qsizetype line = 0; line < sheet.lines().size(); ++line)
+        for (qsizetype line = 0; line < sheet.lines().size(); ++line) {
             texts.push_back(sheet.lines().at(line).text.toStdString());
+        }
         return texts;
     }
     [[nodiscard]] std::string line(int number) const { return sheet.lines().at(number).text.toStdString(); }
@@ -152,8 +153,9 @@ TEST_F(MealSheetTest, TheSameFoodTwiceHasTwoLines)
 
 TEST_F(MealSheetTest, GrowsWithTheMeal)
 {
-    for (int food = 0; food < 200; ++food)
+    for (int food = 0; food < 200; ++food) {
         add("10", KnownFoods::kRice);
+    }
     // 200 x 10 g with 2 g carbohydrate, 0.1 g fat, 0.2 g protein and 10 kCal each.
     EXPECT_EQ(sheet.lines().size(), 2 + 200 + 3);
     EXPECT_EQ(line(203), "Total grams\t400.0\t20.0\t40.0");
@@ -286,8 +288,9 @@ TEST_F(MealSheetTest, AFoodThatIsNotThereIsNoCurrentRecordAndAddsNothing)
 TEST_F(MealSheetTest, ALineWithoutAFoodCannotBeChanged)
 {
     add("100", KnownFoods::kRice);
-    for (const int number : {-1, 0, 1, 3, 4, 5, 6})
+    for (const int number : {-1, 0, 1, 3, 4, 5, 6}) {
         EXPECT_EQ(errorOf([&] { change(number, 0.5); }), 3021) << number;
+    }
     const Food rice = foodNumbered(diary.path(), KnownFoods::kRice);
     EXPECT_EQ(errorOf([&] { sheet.change(4, rice, 0.5); }), 9);
     EXPECT_EQ(errorOf([&] { static_cast<void>(sheet.gramsAt(4)); }), 9);

@@ -64,8 +64,9 @@ protected:
     {
         std::vector<std::string> lines;
         for (int line = 0; line < static_cast<int>(sheet.lines().size()); ++line) {
-            if (sheet.isFoodLine(line))
+            if (sheet.isFoodLine(line)) {
                 lines.push_back(sheet.lines().at(line).text.toStdString());
+            }
         }
         return lines;
     }
@@ -96,8 +97,9 @@ protected:
 TEST(MealTypes, HaveTheCodesThatAreStored)
 {
     std::vector<std::string> types;
-    for (const MealType& type : mealTypes())
+    for (const MealType& type : mealTypes()) {
         types.push_back(std::to_string(type.code) + ' ' + type.name.toStdString());
+    }
     EXPECT_THAT(types, ElementsAre("1 Breakfast", "2 Lunch", "3 Dinner", "4 Snack"));
 }
 
@@ -308,8 +310,9 @@ TEST_F(SaveMeal, OnAFullDiskKeepsWhatWasStoredBefore)
 {
     addMeal("05/03/2024 18:00");
     const Food milk = foodNumbered(path, kMilk);
-    for (int line = 0; line < 200; ++line) // more than a page holds
+    for (int line = 0; line < 200; ++line) { // more than a page holds
         sheet.add(milk, 0.2);
+    }
     entry.replaces = 1;
     std::optional<FileSizeLimit> limit(QFile(path).size());
     const runtime::RunTimeError error = errorOfSaving();
@@ -352,8 +355,9 @@ protected:
         path = folder.filePath(QStringLiteral("Nutrition.mdb"));
         const auto file = jet::Database::create(jet::posixFileSystem(), path.toStdString(), jet::DateTime{46000});
         for (const jet::TableSpec& table : data::diaryTables({})) {
-            if (table.name == "Meals")
+            if (table.name == "Meals") {
                 file->createTable(table);
+            }
         }
     }
 
@@ -381,8 +385,9 @@ protected:
     [[nodiscard]] std::vector<std::string> listed() const
     {
         std::vector<std::string> lines;
-        for (const StoredMeal& meal : storedMeals(path))
+        for (const StoredMeal& meal : storedMeals(path)) {
             lines.push_back(std::to_string(meal.number) + ": " + meal.line().toStdString());
+        }
         return lines;
     }
 };
@@ -465,8 +470,9 @@ TEST_F(FetchedMeal, KeepsItsTimeToTheMinute)
 
 TEST_F(FetchedMeal, LunchDinnerAndSnackBringTheirType)
 {
-    for (const int type : {2, 3, 4})
+    for (const int type : {2, 3, 4}) {
         EXPECT_EQ(entryOf({1, kNoon, mealTypes().at(type - 1).name, 6}).type, type);
+    }
 }
 
 TEST_F(FetchedMeal, ABreakfastAsksForItsTypeAgain)

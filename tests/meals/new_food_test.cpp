@@ -48,8 +48,9 @@ runtime::RunTimeError errorOf(const FoodDiary& diary, const NewFood& food)
 std::vector<std::string> textsOf(const QStringList& list)
 {
     std::vector<std::string> texts;
-    for (const QString& text : list)
+    for (const QString& text : list) {
         texts.push_back(text.toStdString());
+    }
     return texts;
 }
 
@@ -153,8 +154,9 @@ TEST(NewFood, HasFlagsThatAreIndependent)
 {
     const FoodDiary diary = smallDiary();
     for (const bool recipe : {false, true}) {
-        for (const bool ingredient : {false, true})
+        for (const bool ingredient : {false, true}) {
             SaveIngredient(diary.path(), {"Stew", recipe, ingredient, {}});
+        }
     }
     const std::string rest = " | Stew | null | null | " + kNoHouseholdWeights;
     EXPECT_THAT(diary.addedFoods(), ElementsAre("1000" + rest + " | 0 | 0", "999" + rest + " | 0 | 1",
@@ -266,8 +268,9 @@ TEST(NewFood, GoesIntoADiaryMadeByTheProgram)
         foods.update();
     }
     NewFood food{"Stew", true, false, {}};
-    for (const QString& column : nutrientColumns(diary.path()))
+    for (const QString& column : nutrientColumns(diary.path())) {
         food.values.append(NewFood::Value{column, "1"});
+    }
     EXPECT_EQ(SaveIngredient(diary.path(), food), 1000);
     EXPECT_EQ(data::Database(diary.path()).check(), QStringList());
 }

@@ -50,8 +50,9 @@ protected:
     std::vector<std::string> lines()
     {
         std::vector<std::string> lines;
-        for (int row = 0; row < list().model()->rowCount(); ++row)
+        for (int row = 0; row < list().model()->rowCount(); ++row) {
             lines.push_back(list().model()->index(row, 0).data().toString().toStdString());
+        }
         return lines;
     }
     QPoint middleOf(int row) { return list().visualRect(list().model()->index(row, 0)).center(); }
@@ -113,10 +114,11 @@ TEST_F(SelectMeal, CancelAndEscapeChooseNone)
     for (const bool byKey : {false, true}) {
         open();
         clickLine(0);
-        if (byKey)
+        if (byKey) {
             press(Qt::Key_Escape);
-        else
+        } else {
             click("cmdCancel");
+        }
         EXPECT_FALSE(form->isVisible());
         EXPECT_EQ(chosen(), 0);
     }

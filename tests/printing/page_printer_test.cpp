@@ -24,8 +24,9 @@ protected:
         return std::make_unique<PagePrinter>(PageMetrics{kWidth, kHeight, kLine}, [this](const Pages& pages) {
             ++deliveries_;
             pages_ = pages;
-            if (error_)
+            if (error_) {
                 throw *error_;
+            }
         });
     }
 
@@ -111,8 +112,9 @@ TEST_F(PagePrinterTest, TextHasTheLookThatWasSetWhenItWasPrinted)
 
 TEST_F(PagePrinterTest, ALineThatIsNotWhollyOnThePageStandsAtTheTopOfTheNext)
 {
-    for (int line = 0; line < 10; ++line)
+    for (int line = 0; line < 10; ++line) {
         printer_->print(QStringLiteral("on page one"));
+    }
     EXPECT_EQ(printer_->page(), 1);
     printer_->setCurrentX(300);
     printer_->print(QStringLiteral("on page two"));

@@ -41,8 +41,9 @@ protected:
         const QList<pdf_reading::Word> words = pdf_reading::words(path_);
         const auto found =
             std::find_if(words.begin(), words.end(), [&text](const auto& each) { return each.text == text; });
-        if (found == words.end())
+        if (found == words.end()) {
             throw std::invalid_argument("not on the pages: " + text.toStdString());
+        }
         return *found;
     }
 
@@ -61,8 +62,9 @@ QSet<QRgb> inks(const QImage& image)
     QSet<QRgb> inks;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            if (!isPaper(image.pixel(x, y)))
+            if (!isPaper(image.pixel(x, y))) {
                 inks.insert(image.pixel(x, y));
+            }
         }
     }
     return inks;
@@ -74,8 +76,9 @@ QRect extentOf(const QImage& image, QRgb colour)
     QRect extent;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            if (image.pixel(x, y) == colour)
+            if (image.pixel(x, y) == colour) {
                 extent |= QRect(x, y, 1, 1);
+            }
         }
     }
     return extent;
@@ -85,8 +88,9 @@ int dotsOf(const QImage& image)
 {
     int dots = 0;
     for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < image.width(); ++x) {
             dots += isPaper(image.pixel(x, y)) ? 0 : 1;
+        }
     }
     return dots;
 }

@@ -12,16 +12,18 @@ QByteArray outputOf(const char* program, const QStringList& arguments)
 {
     QProcess process;
     process.start(QString::fromLocal8Bit(program), arguments);
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
         throw std::runtime_error(std::string(program) + " fails: " + process.readAllStandardError().toStdString());
+    }
     return process.readAllStandardOutput();
 }
 
 QString valueOf(const QString& key, const QString& listing)
 {
     for (const QString& line : listing.split(u'\n')) {
-        if (line.startsWith(key + u':'))
+        if (line.startsWith(key + u':')) {
             return line.mid(key.size() + 1).trimmed();
+        }
     }
     return {};
 }
@@ -41,8 +43,9 @@ QList<Word> words(const QString& path)
     QList<Word> words;
     int page = 0;
     while (!reader.atEnd()) {
-        if (reader.readNext() != QXmlStreamReader::StartElement)
+        if (reader.readNext() != QXmlStreamReader::StartElement) {
             continue;
+        }
         if (reader.name() == QLatin1String("page")) {
             ++page;
         } else if (reader.name() == QLatin1String("word")) {
@@ -54,8 +57,9 @@ QList<Word> words(const QString& path)
             words.append({reader.readElementText(), page, box});
         }
     }
-    if (reader.hasError())
+    if (reader.hasError()) {
         throw std::runtime_error(reader.errorString().toStdString());
+    }
     return words;
 }
 
@@ -67,8 +71,9 @@ QList<QStringList> lines(const QString& path)
     for (const QString& page : text.chopped(text.endsWith(u'\f') ? 1 : 0).split(u'\f')) {
         QStringList& found = pages.emplaceBack();
         for (const QString& line : page.split(u'\n', Qt::SkipEmptyParts)) {
-            if (!line.trimmed().isEmpty())
+            if (!line.trimmed().isEmpty()) {
                 found.append(line.trimmed());
+            }
         }
     }
     return pages;
@@ -82,8 +87,9 @@ QImage image(const QString& path, int page, int dotsPerInch)
                                     QStringLiteral("-l"), number, QStringLiteral("-aa"), QStringLiteral("no"),
                                     QStringLiteral("-aaVector"), QStringLiteral("no"), path});
     QImage image = QImage::fromData(picture, "PPM");
-    if (image.isNull())
+    if (image.isNull()) {
         throw std::runtime_error("there is no such page");
+    }
     return image;
 }
 

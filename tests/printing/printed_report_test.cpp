@@ -35,8 +35,9 @@ protected:
     PrintedReport()
     {
         constexpr int styles[] = {reports::Red, reports::Blue, reports::Green, reports::Plain};
-        for (int reading = 1; reading <= kReadings; ++reading)
+        for (int reading = 1; reading <= kReadings; ++reading) {
             list_.addItem(whenOf(reading) + u'\t' + mmolOf(reading), styles[reading % 4]);
+        }
     }
 
     void print()
@@ -56,14 +57,16 @@ TEST_F(PrintedReport, HoldsEachLineOnceAndInItsOrder)
 {
     print();
     QStringList expected;
-    for (int reading = 1; reading <= kReadings; ++reading)
+    for (int reading = 1; reading <= kReadings; ++reading) {
         expected.append(whenOf(reading) + u' ' + mmolOf(reading));
+    }
 
     QStringList found;
     for (const QStringList& page : pdf_reading::lines(path_)) {
         for (const QString& line : page) {
-            if (line.contains(QStringLiteral("-07:15:00")))
+            if (line.contains(QStringLiteral("-07:15:00"))) {
                 found.append(line.simplified());
+            }
         }
     }
     EXPECT_EQ(found, expected);
@@ -122,8 +125,9 @@ TEST_F(PrintedReport, HasEachLineInItsColour)
     const QImage page = pdf_reading::image(path_, 1, 144);
     int checked = 0;
     for (const pdf_reading::Word& word : pdf_reading::words(path_)) {
-        if (word.page != 1 || !word.text.startsWith(u'm'))
+        if (word.page != 1 || !word.text.startsWith(u'm')) {
             continue;
+        }
         const QRgb expected = colours.value(word.text.mid(1).toInt() % 4);
         const double middle = word.box.center().y() * 2; // 144 dots to 72 points
         for (int x = static_cast<int>(word.box.left() * 2); x < word.box.right() * 2; ++x) {

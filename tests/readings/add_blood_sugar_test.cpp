@@ -109,8 +109,9 @@ TEST_F(AddBloodSugar, HasItsCaptionsSpellingIncluded)
 {
     EXPECT_EQ(form->windowTitle().toStdString(), "Add Blood Suger reading ");
     std::vector<std::string> labels;
-    for (const QLabel* label : form->findChildren<QLabel*>())
+    for (const QLabel* label : form->findChildren<QLabel*>()) {
         labels.push_back(label->objectName().toStdString() + ": " + label->text().toStdString());
+    }
     EXPECT_THAT(labels,
                 ElementsAre("lblBloodSugar: Blood Suger Level .....", "lblDate: Date ..........................",
                             "lblTime: Time ..........................", "lblType: Type .......",
@@ -155,9 +156,10 @@ TEST_F(AddBloodSugar, PreselectsTheTypeByTheHour)
 TEST_F(AddBloodSugar, OffersTheEightTypesWithTheirCodes)
 {
     std::vector<std::string> items;
-    for (int item = 0; item < cboType().count(); ++item)
+    for (int item = 0; item < cboType().count(); ++item) {
         items.push_back(cboType().itemText(item).toStdString() + " " +
                         cboType().itemData(item).toString().toStdString());
+    }
     EXPECT_THAT(items, ElementsAre("Getting Up 1", "Meal 2", "Meal + 2 3", "Meal + 3 4", "Pre Bed 5", "Calibration 6",
                                    "Exercise 7", "Other 8"));
     EXPECT_FALSE(cboType().isEditable());

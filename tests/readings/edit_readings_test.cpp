@@ -50,8 +50,9 @@ protected:
     std::string shown()
     {
         QStringList texts;
-        for (const char* name : {"txtMmol", "txtType", "txtTime", "txtComments"})
+        for (const char* name : {"txtMmol", "txtType", "txtTime", "txtComments"}) {
             texts.append(field(name).text());
+        }
         return texts.join(" | ").toStdString() + " (" + label("lblPosition") + ")";
     }
     /// Into the field, its text replaced.

@@ -268,10 +268,11 @@ TEST_F(ImportBldResults, CancelAndEscapeImportNothing)
         open();
         nameFile(" 06/03/2002, 08:15, 6.6\n");
         type("txtDate", "01/01/2002 00:00");
-        if (byKey)
+        if (byKey) {
             press(Qt::Key_Escape);
-        else
+        } else {
             click("cmdCancel");
+        }
         EXPECT_FALSE(form->isVisible());
     }
     EXPECT_THAT(stored(), IsEmpty());

@@ -285,9 +285,10 @@ TEST_F(MeterImports, AddAtMostWhatSixteenBitsCount)
     QByteArray content;
     const double start = runtime::toDate(QStringLiteral("01/01/2001")).days;
     constexpr int kLines = 32769;
-    for (int line = 0; line < kLines; ++line)
+    for (int line = 0; line < kLines; ++line) {
         content += ' ' + runtime::toText(runtime::Date{start + line / 24}).toLatin1() + ", " +
                    QByteArray::number(line % 24) + ":30, 5.6\n";
+    }
     const auto [hint, goOnAfter] = stopOf(content, QString::fromLatin1(kLongAgo));
     EXPECT_THAT(hint, AllOf(HasSubstr("at line 32768, "), HasSubstr("One import adds at most 32767 readings."),
                             HasSubstr("Readings added before it: 32767.")));
@@ -328,8 +329,9 @@ TEST_F(MeterImports, RefuseSixteenBitCharacters)
     const QString line = QStringLiteral(" 05/03/2002, 08:15, 5.6\n");
     const QByteArray little(reinterpret_cast<const char*>(line.utf16()), 2 * line.size());
     QByteArray big = little;
-    for (qsizetype i = 0; i < big.size(); i += 2)
+    for (qsizetype i = 0; i < big.size(); i += 2) {
         std::swap(big[i], big[i + 1]);
+    }
     for (const QByteArray& content : {"\xFF\xFE" + little, "\xFE\xFF" + big, little, big}) {
         const runtime::RunTimeError error = errorOf(content);
         EXPECT_EQ(error.number(), 321);
@@ -360,10 +362,12 @@ TEST_F(MeterImports, NeverTakeAReadingThatALongLineCutsOff)
 TEST_F(MeterImports, AreAllOrNothingOnAFullDisk)
 {
     QByteArray content;
-    for (int minute = 0; minute < 60; ++minute)
-        for (int hour = 0; hour < 24; ++hour)
+    for (int minute = 0; minute < 60; ++minute) {
+        for (int hour = 0; hour < 24; ++hour) {
             content += " 05/03/2002, " + QByteArray::number(hour) + ':' +
                        QByteArray::number(minute).rightJustified(2, '0') + ", 5.6\n";
+        }
+    }
     import(" 04/03/2002, 08:15, 4.6\n");
     for (const char* end : {"", " 06/03/2002, 08:15, LO\n"}) {
         write(content + end);

@@ -27,8 +27,9 @@ int errorOf(const QString& path, const ReadingEntry& entry)
 TEST(ReadingTypes, AreTheEightInTheOrderOfTheirCodes)
 {
     std::vector<std::string> types;
-    for (const ReadingType& type : readingTypes())
+    for (const ReadingType& type : readingTypes()) {
         types.push_back(std::to_string(type.code) + " " + type.name.toStdString());
+    }
     EXPECT_THAT(types, ElementsAre("1 Getting Up", "2 Meal", "3 Meal + 2", "4 Meal + 3", "5 Pre Bed", "6 Calibration",
                                    "7 Exercise", "8 Other"));
 }

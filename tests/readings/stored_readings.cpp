@@ -10,8 +10,9 @@ std::vector<std::string> storedReadings(const QString& diaryPath)
     std::vector<std::string> lines;
     for (; !readings.eof(); readings.moveNext()) {
         QStringList fields;
-        for (const char* name : {"BloodSugerLevel", "ReadingTime", "ReadingType", "Comment"})
+        for (const char* name : {"BloodSugerLevel", "ReadingTime", "ReadingType", "Comment"}) {
             fields.append(runtime::toText(readings.value(QLatin1String(name))));
+        }
         lines.push_back(fields.join(QStringLiteral(" | ")).toStdString());
     }
     return lines;
