@@ -133,8 +133,11 @@ private:
     /// longest that fits is meant.
     bool readMonthName(DateParts& parts)
     {
+        const bool isNumber = !rest_.isEmpty() && rest_.front().isDigit();
         for (const MonthName& name : monthNames(locale_)) {
-            if (rest_.startsWith(name.text, Qt::CaseInsensitive) && endsAtSeparator(name.text.size())) {
+            // Most months are numbers and most names begin with none: the first character tells them apart.
+            if (name.text.front().isDigit() == isNumber && rest_.startsWith(name.text, Qt::CaseInsensitive) &&
+                endsAtSeparator(name.text.size())) {
                 rest_ = rest_.mid(name.text.size());
                 parts.month = name.month;
                 return true;
