@@ -95,12 +95,13 @@ void compareImport(ComparisonTable& table)
                .ours =
                    [&] {
                        copyFile(diary, importedDiary);
-                       return wallTimeOf([&] { readings::ImportReadings(import); });
+                       return processorTimeOf([&] { readings::ImportReadings(import); });
                    },
                .theirs =
                    [&] {
                        copyFile(sqlite, importedSqlite);
-                       return wallTimeOf([&] { insertWithSqlite(openSqlite(importedSqlite, Access::Write).get()); });
+                       return processorTimeOf(
+                           [&] { insertWithSqlite(openSqlite(importedSqlite, Access::Write).get()); });
                    },
                .mostRatio = {},
                .note = "ours reads the file of dates and times and adds what the diary has not; SQLite has no file to "
