@@ -26,27 +26,22 @@ using runtime::Value;
 /// What is shown of each meal beside its heading, its insulin and its readings.
 enum class Detail { FoodsAndTotals, Totals, None };
 
-Value fieldOf(const Recordset& records, const char* name)
-{
-    return records.value(QString::fromLatin1(name));
-}
-
 Date timeOf(const Recordset& records)
 {
-    return runtime::toDate(fieldOf(records, "When"));
+    return runtime::toDate(records.value(QStringLiteral("When")));
 }
 
 Date mealTimeOf(const Recordset& meals)
 {
-    if (isNull(fieldOf(meals, "When"))) {
+    if (isNull(meals.value(QStringLiteral("When")))) {
         throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noMealTimeHint());
     }
     return timeOf(meals);
 }
 
-QString textOf(const Recordset& records, const char* name)
+QString textOf(const Recordset& records, const QString& name)
 {
-    return runtime::toText(fieldOf(records, name));
+    return runtime::toText(records.value(name));
 }
 
 QString dayOf(Date time)
@@ -132,7 +127,7 @@ private:
 
     [[nodiscard]] qint16 currentDose(Date mealTime) const
     {
-        const Value dose = fieldOf(meals_, "InsulinDosage");
+        const Value dose = meals_.value(QStringLiteral("InsulinDosage"));
         if (isNull(dose)) {
             throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noDoseHint(mealTime));
         }
@@ -141,7 +136,7 @@ private:
 
     void AddMealHeaderToDisplay(Date mealTime)
     {
-        list_.addItem(textOf(meals_, "MealType") + u'\t' +
+        list_.addItem(textOf(meals_, QStringLiteral("MealType")) + u'\t' +
                           runtime::format(mealTime, QStringLiteral("dddd dd mmmm yyyy hh:mm")) +
                           QStringLiteral("\tkCal\tCarb\tFat\tProt\tGrams"),
                       Bold);
@@ -164,9 +159,9 @@ private:
 
     void AddFoodToMealCalcs(NutrientTotals& meal, Date mealTime) const
     {
-        const Value grams = fieldOf(meals_, "Quantity");
-        const auto add = [&](double& total, const char* nutrient) {
-            const Value in100Grams = fieldOf(meals_, nutrient);
+        const Value grams = meals_.value(QStringLiteral("Quantity"));
+        const auto add = [&](double& total, const QString& nutrient) {
+            const Value in100Grams = meals_.value(nutrient);
             if (isNull(in100Grams)) {
                 return;
             }
@@ -175,20 +170,21 @@ private:
             }
             total += runtime::toDouble(portionOf(in100Grams, grams));
         };
-        add(meal.carbohydrate, "Carb");
-        add(meal.protein, "Prot");
-        add(meal.fat, "Fat");
-        add(meal.energy, "kCal");
+        add(meal.carbohydrate, QStringLiteral("Carb"));
+        add(meal.protein, QStringLiteral("Prot"));
+        add(meal.fat, QStringLiteral("Fat"));
+        add(meal.energy, QStringLiteral("kCal"));
     }
 
     void AddFoodToDisplay()
     {
-        const Value grams = fieldOf(meals_, "Quantity");
-        const auto portion = [&](const char* nutrient) {
-            return oneDecimal(portionOf(fieldOf(meals_, nutrient), grams));
+        const Value grams = meals_.value(QStringLiteral("Quantity"));
+        const auto portion = [&](const QString& nutrient) {
+            return oneDecimal(portionOf(meals_.value(nutrient), grams));
         };
-        addColumns({QString(), shownDescription(textOf(meals_, "Desc")), portion("kCal"), portion("Carb"),
-                    portion("Fat"), portion("Prot"), oneDecimal(grams)});
+        addColumns({QString(), shownDescription(textOf(meals_, QStringLiteral("Desc"))),
+                    portion(QStringLiteral("kCal")), portion(QStringLiteral("Carb")), portion(QStringLiteral("Fat")),
+                    portion(QStringLiteral("Prot")), oneDecimal(grams)});
     }
 
     void AddMealTotalToDisplay(const NutrientTotals& meal, Date mealTime)
@@ -237,13 +233,13 @@ private:
                     runtime::format(time, QStringLiteral("dd mmm hh:mm")) +
                         (beforeMeal ? QStringLiteral(" pre meal by") : QString()),
                     runtime::format(difference, QStringLiteral("h:mm")), oneDecimal(level), oneDecimal(change),
-                    textOf(history_, "Type"), textOf(history_, "Comment")},
+                    textOf(history_, QStringLiteral("Type")), textOf(history_, QStringLiteral("Comment"))},
                    beforeMeal ? Green : styleOf(change));
     }
 
     [[nodiscard]] double currentLevel() const
     {
-        const Value level = fieldOf(history_, "Mmol");
+        const Value level = history_.value(QStringLiteral("Mmol"));
         if (isNull(level)) {
             throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noLevelHint(timeOf(history_)));
         }

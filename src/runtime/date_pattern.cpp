@@ -4,7 +4,7 @@
 #include "runtime/number_pattern.h"
 
 #include <QDate>
-#include <QList>
+#include <QVarLengthArray>
 
 #include <algorithm>
 
@@ -15,8 +15,11 @@ enum class Part { Literal, Day, WeekdayName, Month, MonthName, Year, Hour, Minut
 
 struct Token {
     Part part = Part::Literal;
-    QString text; ///< as it stands in the pattern; its length is the number of digits, or tells short from full
+    QStringView text; ///< as it stands in the pattern; its length is the number of digits, or tells short from full
 };
+
+/// A pattern is read anew for each date, and a report has thousands of them: so many tokens need no memory of the heap.
+using Tokens = QVarLengthArray<Token, 16>;
 
 /// What a run of one letter stands for, e.g. "mmm".
 Part partOf(QChar letter, qsizetype length, Part previous)
@@ -41,9 +44,9 @@ Part partOf(QChar letter, qsizetype length, Part previous)
     }
 }
 
-QList<Token> readPattern(const QString& pattern)
+Tokens readPattern(QStringView pattern)
 {
-    QList<Token> tokens;
+    Tokens tokens;
     Part previous = Part::Literal; // the last part of a date, whatever stands between
     qsizetype start = 0;
     while (start < pattern.size()) {
@@ -52,7 +55,7 @@ QList<Token> readPattern(const QString& pattern)
         while (end < pattern.size() && pattern[end].toLower() == letter) {
             ++end;
         }
-        const Token token{partOf(letter, end - start, previous), pattern.mid(start, end - start)};
+        const Token token{partOf(letter, end - start, previous), pattern.sliced(start, end - start)};
         if (token.part != Part::Literal) {
             previous = token.part;
         }
@@ -74,14 +77,14 @@ bool isDatePattern(const QString& pattern)
     if (isNumberPattern(pattern)) {
         return false;
     }
-    const QList<Token> tokens = readPattern(pattern);
+    const Tokens tokens = readPattern(pattern);
     return std::any_of(tokens.begin(), tokens.end(), [](const Token& token) { return token.part != Part::Literal; });
 }
 
 QString formatDate(Date date, const QString& pattern, const QLocale& locale)
 {
     const DateParts parts = partsOf(date);
-    const QList<Token> tokens = readPattern(pattern);
+    const Tokens tokens = readPattern(pattern);
     const bool hasDay =
         std::any_of(tokens.begin(), tokens.end(), [](const Token& token) { return token.part == Part::Day; });
 

@@ -50,7 +50,7 @@ NumberPattern readPattern(const QString& text)
 
 QString groupByThree(const std::string& digits, const QString& separator)
 {
-    QString grouped = QString::fromStdString(digits);
+    QString grouped = QLatin1String(digits);
     for (qsizetype position = grouped.size() - 3; position > 0; position -= 3) {
         grouped.insert(position, separator);
     }
@@ -85,9 +85,10 @@ QString formatNumber(double number, const QString& pattern, const QLocale& local
 
     QString text = decimal.isNegative() ? QStringLiteral("-") : QString();
     text += places.before;
-    text += places.grouped ? groupByThree(whole, locale.groupSeparator()) : QString::fromStdString(whole);
+    text += places.grouped ? groupByThree(whole, locale.groupSeparator()) : QLatin1String(whole);
     if (places.hasPoint) {
-        text += locale.decimalPoint() + QString::fromStdString(fraction);
+        text += locale.decimalPoint();
+        text += QLatin1String(fraction);
     }
     return text + places.after;
 }
