@@ -1,6 +1,7 @@
 #include "controls/bound_record.h"
 
 #include "runtime/conversions.h"
+#include "runtime/error_hints.h"
 
 #include <QStringList>
 
@@ -143,7 +144,7 @@ std::optional<BoundRecord::Refusal> BoundRecord::store()
             throw;
         }
         if (error.code() != ErrorNumber::RecordDeleted) {
-            throw error.withHint((error.hint() + QStringLiteral(" The change was not stored.")).trimmed());
+            throw runtime::withSentence(error, QStringLiteral("The change was not stored."));
         }
     }
     leaveDeleted();

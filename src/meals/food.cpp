@@ -92,8 +92,6 @@ Food foodNumbered(const QString& diaryPath, qint32 number)
     food.in100Grams.protein = nutrient(row, QStringLiteral("Protein"));
     food.in100Grams.energy = nutrient(row, QStringLiteral("Energ_Kcal"));
     food.in100Grams.cholesterol = nutrient(row, QStringLiteral("Cholestrl"));
-    row.close();
-    database.close();
     return food;
 }
 

@@ -17,8 +17,8 @@
 #include "reports/report_state.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
+#include "runtime/error_hints.h"
 #include "runtime/format.h"
-#include "runtime/run_time_error.h"
 
 #include <QComboBox>
 #include <QKeyEvent>
@@ -45,12 +45,8 @@ const QList<double>& tabStops()
 
 double doseOf(const QString& typed)
 {
-    try {
-        return runtime::toDouble(typed);
-    } catch (const runtime::RunTimeError& error) {
-        throw error.withHint(
-            QStringLiteral("The insulin dose is not a number: type it first, then choose this again."));
-    }
+    return runtime::withHint(QStringLiteral("The insulin dose is not a number: type it first, then choose this again."),
+                             [&] { return runtime::toDouble(typed); });
 }
 
 void moveFocusAndSelectAll(QLineEdit& field)

@@ -2,8 +2,8 @@
 
 #include "reports/nutrient_totals.h"
 #include "runtime/conversions.h"
+#include "runtime/error_hints.h"
 #include "runtime/format.h"
-#include "runtime/run_time_error.h"
 
 #include <QStringList>
 
@@ -32,11 +32,8 @@ QString share(double energy, double totalEnergy)
 
 double gramsIn(const QString& typed)
 {
-    try {
-        return runtime::toDouble(typed);
-    } catch (const RunTimeError& error) {
-        throw error.withHint(QStringLiteral("The quantity \"%1\" is not a number of grams.").arg(typed));
-    }
+    return runtime::withHint(QStringLiteral("The quantity \"%1\" is not a number of grams.").arg(typed),
+                             [&] { return runtime::toDouble(typed); });
 }
 
 QString firstColumn(const QString& line)

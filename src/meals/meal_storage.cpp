@@ -4,8 +4,8 @@
 #include "meals/meal_sheet.h"
 #include "meals/meal_type.h"
 #include "runtime/conversions.h"
+#include "runtime/error_hints.h"
 #include "runtime/format.h"
-#include "runtime/run_time_error.h"
 
 #include <algorithm>
 #include <vector>
@@ -16,34 +16,18 @@ namespace {
 
 using runtime::RunTimeError;
 
-/// The same error, its hint followed by a sentence.
-RunTimeError withSentence(const RunTimeError& error, const QString& sentence)
-{
-    return error.withHint(error.hint().isEmpty() ? sentence : error.hint() + u' ' + sentence);
-}
-
-/// Sets a field to what the user typed; an error says which text it was.
-template <typename Value>
-void setTyped(data::Recordset& record, const QString& field, const QString& hint, Value value)
-{
-    try {
-        record.set(field, value());
-    } catch (const RunTimeError& error) {
-        throw error.withHint(hint);
-    }
-}
-
 /// The meal as a record that is not yet added.
 data::Recordset newMeal(data::Database& database, const MealEntry& entry)
 {
     data::Recordset meal = database.openRecordset(QStringLiteral("Select * from Meals where MealNo = -999999"));
     meal.addNew();
-    setTyped(meal, QStringLiteral("MealTime"), QStringLiteral("The date or the time is not one."),
-             [&] { return runtime::Date{runtime::toDate(entry.date).days + runtime::toDate(entry.time).days}; });
+    const runtime::Date time = runtime::withHint(QStringLiteral("The date or the time is not one."), [&] {
+        return runtime::Date{runtime::toDate(entry.date).days + runtime::toDate(entry.time).days};
+    });
+    meal.set(QStringLiteral("MealTime"), time);
     meal.set(QStringLiteral("MealDescription"), qint32{entry.type.value_or(0)});
-    setTyped(meal, QStringLiteral("Insulin Dosage"),
-             QStringLiteral("The insulin dose is not a number from -32768 to 32767."),
-             [&] { return entry.insulinDose; });
+    runtime::withHint(QStringLiteral("The insulin dose is not a number from -32768 to 32767."),
+                      [&] { meal.set(QStringLiteral("Insulin Dosage"), entry.insulinDose); });
     return meal;
 }
 
@@ -141,18 +125,15 @@ qint32 saveMeal(const QString& diaryPath, const MealEntry& entry, const MealShee
         outcome = QStringLiteral("The meal was stored, but not all of its foods.");
         meal.moveFirst();
         const qint32 mealNumber = runtime::toLong(meal.value(QStringLiteral("MealNo")));
-        meal.close();
 
         data::Recordset content =
             database.openRecordset(QStringLiteral("Select * from MealContent where MealID = -999999"));
         for (const Portion& portion : portions) {
             addPortion(content, mealNumber, portion);
         }
-        content.close();
-        database.close();
         return mealNumber;
     } catch (const RunTimeError& error) {
-        throw withSentence(error, outcome);
+        throw runtime::withSentence(error, outcome);
     }
 }
 
@@ -173,8 +154,6 @@ QList<StoredMeal> storedMeals(const QString& diaryPath)
     for (meals.moveLast(); !meals.bof(); meals.movePrevious()) {
         newestFirst.append(mealIn(meals));
     }
-    meals.close();
-    database.close();
     return newestFirst;
 }
 
@@ -214,8 +193,6 @@ void fetchFoods(MealSheet& sheet, const QString& diaryPath, qint32 mealNumber)
         sheet.clear();
         throw;
     }
-    content.close();
-    database.close();
 }
 
 } // namespace meals

@@ -43,7 +43,6 @@ qint32 smallestNumber(data::Database& database)
             .withHint(QStringLiteral("The diary has no foods yet, and a new food's number is counted down from theirs. "
                                      "Nothing was stored."));
     }
-    minimum.close();
     return runtime::toLong(number);
 }
 
@@ -120,8 +119,6 @@ qint32 SaveIngredient(const QString& diaryPath, const NewFood& food)
         setNutrient(row, value);
     }
     row.update();
-    row.close();
-    database.close();
     return lngNDBNo;
 }
 

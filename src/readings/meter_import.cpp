@@ -3,6 +3,7 @@
 #include "data/database.h"
 #include "readings/text_lines.h"
 #include "runtime/conversions.h"
+#include "runtime/error_hints.h"
 #include "runtime/format.h"
 #include "runtime/number_text.h"
 
@@ -44,15 +45,6 @@ const QString& fieldAt(FieldPosition position, const QStringList& fields)
     return fields.at(position);
 }
 
-runtime::Date dateIn(const QString& text, const QString& hint)
-{
-    try {
-        return runtime::toDate(text);
-    } catch (const RunTimeError& error) {
-        throw error.withHint(hint);
-    }
-}
-
 /// A meter writes a point whatever the user's locale is; what the user types follows the locale.
 double levelIn(const QString& text)
 {
@@ -78,8 +70,9 @@ public:
         if (!runtime::isDate(date)) {
             return;
         }
-        const runtime::Date time = dateIn(date + u' ' + fieldAt(TimeField, fields).mid(1),
-                                          QStringLiteral("Its date and time together are not a moment."));
+        const QString moment = date + u' ' + fieldAt(TimeField, fields).mid(1);
+        const runtime::Date time = runtime::withHint(QStringLiteral("Its date and time together are not a moment."),
+                                                     [&] { return runtime::toDate(moment); });
         if (cutOff().days < time.days) {
             add(time, levelIn(fieldAt(LevelField, fields)));
         }
@@ -93,7 +86,8 @@ private:
     runtime::Date cutOff()
     {
         if (!cutOff_) {
-            cutOff_ = dateIn(after_, QStringLiteral("The cut-off \"%1\" is not a date and time.").arg(after_));
+            cutOff_ = runtime::withHint(QStringLiteral("The cut-off \"%1\" is not a date and time.").arg(after_),
+                                        [&] { return runtime::toDate(after_); });
         }
         return *cutOff_;
     }

@@ -2,7 +2,7 @@
 
 #include "data/database.h"
 #include "runtime/conversions.h"
-#include "runtime/run_time_error.h"
+#include "runtime/error_hints.h"
 
 namespace readings {
 
@@ -11,17 +11,6 @@ namespace {
 constexpr int kGettingUp = 1;
 constexpr int kMeal = 2;
 constexpr int kPreBed = 5;
-
-/// Runs a conversion of what the user typed; its error says which text it was.
-template <typename Conversion>
-auto converted(const QString& text, const QString& hint, Conversion conversion)
-{
-    try {
-        return conversion(text);
-    } catch (const runtime::RunTimeError& error) {
-        throw error.withHint(hint);
-    }
-}
 
 } // namespace
 
@@ -53,21 +42,19 @@ void saveReading(const QString& diaryPath, const ReadingEntry& entry)
     data::Recordset reading =
         database.openRecordset(QStringLiteral("Select * from BloodSugarLevels where BloodSugerNo = -1"));
     reading.addNew();
-    reading.set(QStringLiteral("BloodSugerLevel"),
-                converted(entry.level, QStringLiteral("The blood sugar level is not a number. Nothing was stored."),
-                          runtime::toDouble));
+    const double level = runtime::withHint(QStringLiteral("The blood sugar level is not a number. Nothing was stored."),
+                                           [&] { return runtime::toDouble(entry.level); });
     const runtime::Date day =
-        converted(entry.date, QStringLiteral("The date is not one: type day, month and year. Nothing was stored."),
-                  runtime::toDate);
+        runtime::withHint(QStringLiteral("The date is not one: type day, month and year. Nothing was stored."),
+                          [&] { return runtime::toDate(entry.date); });
     const runtime::Date timeOfDay =
-        converted(entry.time, QStringLiteral("The time is not one: type hours and minutes. Nothing was stored."),
-                  runtime::toDate);
+        runtime::withHint(QStringLiteral("The time is not one: type hours and minutes. Nothing was stored."),
+                          [&] { return runtime::toDate(entry.time); });
+    reading.set(QStringLiteral("BloodSugerLevel"), level);
     reading.set(QStringLiteral("ReadingTime"), runtime::Date{day.days + timeOfDay.days});
     reading.set(QStringLiteral("ReadingType"), qint32{entry.type});
     reading.set(QStringLiteral("Comment"), entry.comment);
     reading.update();
-    reading.close();
-    database.close();
 }
 
 } // namespace readings
