@@ -65,7 +65,7 @@ public:
     {
         view_ = std::make_unique<controls::ReportListView>();
         model_ = std::make_unique<controls::ReportListModel>(list_);
-        view_->show(*model_);
+        view_->showLines(*model_);
         return *view_;
     }
     void closeView()

@@ -1,5 +1,7 @@
 #include "app/filter_bar.h"
 
+#include "controls/named.h"
+
 #include <QComboBox>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -24,8 +26,7 @@ public:
     template <typename Control>
     Control* add(Control* control, const char* name)
     {
-        control->setObjectName(QLatin1String(name));
-        layout_.addWidget(control);
+        layout_.addWidget(controls::named(name, control));
         return control;
     }
 
@@ -73,8 +74,7 @@ private:
 FilterBar createFilterBar(QWidget& parent)
 {
     FilterBar bar;
-    bar.fraToolBar = new QFrame(&parent);
-    bar.fraToolBar->setObjectName(QStringLiteral("fraToolBar"));
+    bar.fraToolBar = controls::named("fraToolBar", new QFrame(&parent));
     bar.fraToolBar->setToolTip(
         QStringLiteral("SQL Filter Bar - Allows data to be sorted using SQL like Query Language"));
     bar.fraToolBar->setFrameShape(QFrame::StyledPanel);

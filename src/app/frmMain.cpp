@@ -4,6 +4,7 @@
 #include "controls/field_focus.h"
 #include "controls/hourglass_pointer.h"
 #include "controls/modApplication.h"
+#include "controls/named.h"
 #include "controls/printers.h"
 #include "controls/report_list_view.h"
 #include "data/diary_location.h"
@@ -324,10 +325,9 @@ void frmMain::changeEvent(QEvent* event)
 
 void frmMain::createReportList()
 {
-    lstView = new controls::ReportListView(centralWidget());
-    lstView->setObjectName(QStringLiteral("lstView"));
+    lstView = controls::named("lstView", new controls::ReportListView(centralWidget()));
     lstView->setAccessibleName(QStringLiteral("Report"));
-    lstView->show(lines_);
+    lstView->showLines(lines_);
 }
 
 void frmMain::connectHandlers()

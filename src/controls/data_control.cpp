@@ -2,6 +2,7 @@
 
 #include "controls/dialogs.h"
 #include "controls/event_handlers.h"
+#include "controls/named.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -78,9 +79,8 @@ void DataControl::createButtons()
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(2);
     for (const Step& step : steps()) {
-        auto* button = new QToolButton;
+        auto* button = named(step.name, new QToolButton);
         row->addWidget(button);
-        button->setObjectName(QLatin1String(step.name));
         button->setIcon(arrow(step.move, *button));
         button->setToolTip(QLatin1String(step.meaning));
         button->setAccessibleName(button->toolTip());
@@ -88,8 +88,7 @@ void DataControl::createButtons()
         connect(button, &QToolButton::clicked, this, [this, move = step.move] { go(move); });
         buttons_.emplace_back(step.move, button);
     }
-    position_ = new QLabel;
-    position_->setObjectName(QStringLiteral("lblPosition"));
+    position_ = named("lblPosition", new QLabel);
     position_->setAlignment(Qt::AlignCenter);
     position_->setFrameShape(QFrame::StyledPanel);
     row->insertWidget(2, position_, 1);

@@ -1,4 +1,4 @@
-#include "report_line_delegate.h"
+#include "controls/report_line_delegate.h"
 
 #include "controls/report_list_view.h"
 

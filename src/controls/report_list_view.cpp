@@ -1,7 +1,7 @@
 #include "controls/report_list_view.h"
 
+#include "controls/report_line_delegate.h"
 #include "controls/report_list_model.h"
-#include "report_line_delegate.h"
 
 #include <QClipboard>
 #include <QEvent>
@@ -31,7 +31,7 @@ ReportListView::ReportListView(QWidget* parent) : QListView(parent)
     takeTabStops();
 }
 
-void ReportListView::show(ReportListModel& model)
+void ReportListView::showLines(ReportListModel& model)
 {
     setModel(&model);
     connect(&model, &ReportListModel::tabStopsChanged, this, &ReportListView::takeTabStops);

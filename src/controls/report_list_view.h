@@ -19,7 +19,7 @@ public:
     explicit ReportListView(QWidget* parent = nullptr);
 
     /// The model outlives the view or is destroyed before it; both are fine.
-    void show(ReportListModel& model);
+    void showLines(ReportListModel& model);
 
     /// The first line in sight. Setting it stops at the list's ends: the last page stays full.
     [[nodiscard]] int topIndex() const;

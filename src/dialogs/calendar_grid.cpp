@@ -1,4 +1,4 @@
-#include "calendar_grid.h"
+#include "dialogs/calendar_grid.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>

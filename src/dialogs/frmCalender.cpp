@@ -1,8 +1,9 @@
 #include "dialogs/frmCalender.h"
 
-#include "calendar_grid.h"
 #include "controls/event_handlers.h"
 #include "controls/modApplication.h"
+#include "controls/named.h"
+#include "dialogs/calendar_grid.h"
 #include "dialogs/calendar_month.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
@@ -14,6 +15,8 @@
 #include <QScreen>
 
 namespace dialogs {
+
+using controls::named;
 
 frmCalender::frmCalender(QWidget* owner, const runtime::Clock& clock, controls::Dialogs& dialogs)
     : QDialog(owner), clock_(clock), dialogs_(dialogs)
@@ -67,8 +70,7 @@ void frmCalender::grdCalender_DblClick(int row, int column)
 void frmCalender::createControls()
 {
     const auto addButton = [](QBoxLayout& row, const char* name, const QString& caption, const QString& meaning) {
-        auto* button = new QPushButton(caption);
-        button->setObjectName(QLatin1String(name));
+        auto* button = named(name, new QPushButton(caption));
         button->setToolTip(meaning);
         button->setAccessibleName(meaning);
         button->setFixedWidth(2 * button->sizeHint().height());
@@ -79,24 +81,20 @@ void frmCalender::createControls()
         return button;
     };
 
-    cboMonth = new QComboBox;
-    cboMonth->setObjectName(QStringLiteral("cboMonth"));
+    cboMonth = named("cboMonth", new QComboBox);
     cboMonth->setAccessibleName(QStringLiteral("Month"));
     for (int month = 1; month <= 12; ++month) {
         cboMonth->addItem(runtime::currentLocale().standaloneMonthName(month), month);
     }
     cboMonth->setMaxVisibleItems(cboMonth->count());
 
-    DateCaption = new QLabel;
-    DateCaption->setObjectName(QStringLiteral("DateCaption"));
+    DateCaption = named("DateCaption", new QLabel);
     DateCaption->setAlignment(Qt::AlignCenter);
 
-    grdCalender = new CalendarGrid(clock_.now());
-    grdCalender->setObjectName(QStringLiteral("grdCalender"));
+    grdCalender = named("grdCalender", new CalendarGrid(clock_.now()));
     grdCalender->setAccessibleName(QStringLiteral("Days of the month"));
 
-    auto* lblSelect = new QLabel(QStringLiteral("Double click on a date to select"));
-    lblSelect->setObjectName(QStringLiteral("lblSelect"));
+    auto* lblSelect = named("lblSelect", new QLabel(QStringLiteral("Double click on a date to select")));
     lblSelect->setAlignment(Qt::AlignCenter);
 
     auto* layout = new QVBoxLayout(this);

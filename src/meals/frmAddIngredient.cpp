@@ -3,6 +3,7 @@
 #include "controls/event_handlers.h"
 #include "controls/field_focus.h"
 #include "controls/modApplication.h"
+#include "controls/named.h"
 #include "meals/new_food.h"
 #include "runtime/conversions.h"
 
@@ -20,6 +21,8 @@
 
 namespace meals {
 
+using controls::named;
+
 namespace {
 
 constexpr int kRowsInFirstColumn = 15;
@@ -27,17 +30,12 @@ constexpr int kValueCharacters = 12;
 constexpr int kGapCharacters = 4;
 constexpr int kDescriptionCharacters = 50;
 
-template <typename Control>
-Control* named(const QString& name, Control* control)
-{
-    control->setObjectName(name);
-    return control;
-}
-
+/// A control of an array of them, "txtNutrientValue(0)" and so on.
 template <typename Control>
 Control* element(const char* array, std::size_t index, Control* control)
 {
-    return named(QStringLiteral("%1(%2)").arg(QLatin1String(array)).arg(index), control);
+    control->setObjectName(QStringLiteral("%1(%2)").arg(QLatin1String(array)).arg(index));
+    return control;
 }
 
 /// Rows follow each other at one and a half times the height of a label, which reaches from the top of its text box to
@@ -161,12 +159,12 @@ void frmAddIngredient::createControls()
 
 QBoxLayout* frmAddIngredient::createHead()
 {
-    auto* lblDesc = named(QStringLiteral("lblDesc"), new QLabel(QStringLiteral("Ingredient Description")));
-    txtDesc = named(QStringLiteral("txtDesc"), new QLineEdit);
+    auto* lblDesc = named("lblDesc", new QLabel(QStringLiteral("Ingredient Description")));
+    txtDesc = named("txtDesc", new QLineEdit);
     txtDesc->setMinimumWidth(fontMetrics().averageCharWidth() * kDescriptionCharacters);
     lblDesc->setBuddy(txtDesc);
-    chkRecipe = named(QStringLiteral("chkRecipe"), new QCheckBox(QStringLiteral("Recipe")));
-    chkIngredient = named(QStringLiteral("chkIngredient"), new QCheckBox(QStringLiteral("Ingredient")));
+    chkRecipe = named("chkRecipe", new QCheckBox(QStringLiteral("Recipe")));
+    chkIngredient = named("chkIngredient", new QCheckBox(QStringLiteral("Ingredient")));
 
     auto* description = new QHBoxLayout;
     description->addWidget(lblDesc);
@@ -186,7 +184,7 @@ QBoxLayout* frmAddIngredient::createButtons()
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     const auto addButton = [&](const char* name, const QString& caption) {
-        auto* button = named(QLatin1String(name), new QPushButton(caption));
+        auto* button = named(name, new QPushButton(caption));
         button->setAutoDefault(false);
         // A click leaves the focus in the field: it reaches its handler even when the field would not let the focus go.
         button->setFocusPolicy(Qt::TabFocus);

@@ -62,8 +62,8 @@ frmAddMeal::frmAddMeal(QWidget* owner, MealSurroundings world)
 {
     setObjectName(QStringLiteral("frmAddMeal"));
     setWindowTitle(QStringLiteral("Add Meal"));
-    ui_.lstSearch->show(foundModel_);
-    ui_.lstMeal->show(lines_);
+    ui_.lstSearch->showLines(foundModel_);
+    ui_.lstMeal->showLines(lines_);
     Form_Load();
     connectHandlers();
     resize(kInitialSize.boundedTo(screen()->availableSize()));

@@ -2,6 +2,7 @@
 
 #include "controls/data_control.h"
 #include "controls/event_handlers.h"
+#include "controls/named.h"
 #include "meals/meal_type.h"
 
 #include <QHBoxLayout>
@@ -12,6 +13,8 @@
 #include <algorithm>
 
 namespace meals {
+
+using controls::named;
 
 namespace {
 
@@ -36,9 +39,9 @@ frmEditMealTime::frmEditMealTime(QWidget* owner, controls::Dialogs& dialogs, con
 
 void frmEditMealTime::Form_Load(controls::Dialogs& dialogs, const QString& diaryPath)
 {
-    Data1 = new controls::DataControl(*this, dialogs, QStringLiteral("Meal Time"),
-                                      {.databasePath = diaryPath, .recordSource = QStringLiteral("Meals")});
-    Data1->setObjectName(QStringLiteral("Data1"));
+    Data1 =
+        named("Data1", new controls::DataControl(*this, dialogs, QStringLiteral("Meal Time"),
+                                                 {.databasePath = diaryPath, .recordSource = QStringLiteral("Meals")}));
     layout()->addWidget(Data1);
     const controls::EventHandlers handlers(*this, dialogs);
     handlers.connect(Data1, &controls::DataControl::recordShown, &frmEditMealTime::Label2_Change);
@@ -55,22 +58,16 @@ void frmEditMealTime::Label2_Change()
 
 void frmEditMealTime::createControls()
 {
-    const auto addLabel = [](const char* name, const QString& caption = {}) {
-        auto* label = new QLabel(caption);
-        label->setObjectName(QLatin1String(name));
-        return label;
-    };
-    auto* Label1 = addLabel("Label1", QStringLiteral("Meal Time ..."));
-    txtMealTime = new QLineEdit;
-    txtMealTime->setObjectName(QStringLiteral("txtMealTime"));
+    auto* Label1 = named("Label1", new QLabel(QStringLiteral("Meal Time ...")));
+    txtMealTime = named("txtMealTime", new QLineEdit);
     txtMealTime->setAccessibleName(QStringLiteral("Meal Time"));
     txtMealTime->setMinimumWidth(
         fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00") + QString(3, u'0')));
     Label1->setBuddy(txtMealTime);
-    lblMealDesc = addLabel("lblMealDesc");
+    lblMealDesc = named("lblMealDesc", new QLabel);
     lblMealDesc->setAccessibleName(QStringLiteral("Meal"));
     lblMealDesc->setMinimumWidth(fontMetrics().horizontalAdvance(mealTypes().first().name + QString(3, u'0')));
-    Label2 = addLabel("Label2");
+    Label2 = named("Label2", new QLabel);
     Label2->hide();
 
     auto* row = new QHBoxLayout;

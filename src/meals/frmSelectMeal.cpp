@@ -1,6 +1,7 @@
 #include "meals/frmSelectMeal.h"
 
 #include "controls/event_handlers.h"
+#include "controls/named.h"
 #include "controls/report_list_model.h"
 #include "controls/report_list_view.h"
 #include "meals/meal_type.h"
@@ -11,6 +12,8 @@
 #include <QVBoxLayout>
 
 namespace meals {
+
+using controls::named;
 
 namespace {
 
@@ -47,7 +50,7 @@ void frmSelectMeal::Form_Load(const QString& diaryPath)
         lines_.addItem(meal.line());
     }
     model_ = std::make_unique<controls::ReportListModel>(lines_);
-    lstMeals->show(*model_);
+    lstMeals->showLines(*model_);
     lstMeals->setCurrentIndex({}); // not the first by itself, so that the first arrow key selects it
     lstMeals->setMinimumSize(widthFor(*lstMeals), lstMeals->fontMetrics().lineSpacing() * kLinesInSight);
 }
@@ -67,16 +70,14 @@ void frmSelectMeal::cmdCancel_Click()
 
 void frmSelectMeal::createControls()
 {
-    lstMeals = new controls::ReportListView;
-    lstMeals->setObjectName(QStringLiteral("lstMeals"));
+    lstMeals = named("lstMeals", new controls::ReportListView);
     lstMeals->setAccessibleName(QStringLiteral("Meals"));
     lstMeals->setSelectionMode(QAbstractItemView::SingleSelection);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     const auto addButton = [&](const char* name, const QString& caption) {
-        auto* button = new QPushButton(caption);
-        button->setObjectName(QLatin1String(name));
+        auto* button = named(name, new QPushButton(caption));
         buttons->addWidget(button);
         return button;
     };

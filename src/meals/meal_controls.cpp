@@ -1,5 +1,6 @@
 #include "meals/meal_controls.h"
 
+#include "controls/named.h"
 #include "controls/report_list_view.h"
 #include "meals/meal_type.h"
 
@@ -34,8 +35,7 @@ public:
     template <typename Control>
     Control* make(const char* name, const QString& meaning)
     {
-        auto* control = new Control(&form_);
-        control->setObjectName(QLatin1String(name));
+        auto* control = controls::named(name, new Control(&form_));
         control->setAccessibleName(meaning);
         return control;
     }
@@ -49,8 +49,7 @@ public:
 
     QLabel* makeLabel(const char* name, const QString& caption, QWidget* field)
     {
-        auto* label = new QLabel(caption, &form_);
-        label->setObjectName(QLatin1String(name));
+        auto* label = controls::named(name, new QLabel(caption, &form_));
         label->setTextFormat(Qt::PlainText);
         label->setBuddy(field);
         return label;
@@ -58,8 +57,7 @@ public:
 
     QPushButton* makeButton(const char* name, const QString& caption, const QString& tip = {})
     {
-        auto* button = new QPushButton(caption, &form_);
-        button->setObjectName(QLatin1String(name));
+        auto* button = controls::named(name, new QPushButton(caption, &form_));
         button->setToolTip(tip);
         button->setAutoDefault(false); // Enter in a field presses no button
         return button;

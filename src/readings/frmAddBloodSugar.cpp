@@ -4,6 +4,8 @@
 #include "controls/event_handlers.h"
 #include "controls/field_focus.h"
 #include "controls/modApplication.h"
+#include "controls/named.h"
+#include "readings/labelled_row.h"
 #include "readings/reading_entry.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
@@ -16,6 +18,8 @@
 #include <QPushButton>
 
 namespace readings {
+
+using controls::named;
 
 frmAddBloodSugar::frmAddBloodSugar(QWidget* owner, const runtime::Clock& clock, controls::Dialogs& dialogs,
                                    QString diaryPath)
@@ -86,25 +90,28 @@ void frmAddBloodSugar::SaveReading()
 
 void frmAddBloodSugar::createControls()
 {
-    auto* grid = new QGridLayout;
-    addRow(*grid, "lblBloodSugar", QStringLiteral("Blood Suger Level ....."), "txtBloodSugar",
-           *(txtBloodSugar = new QLineEdit));
-    addRow(*grid, "lblDate", QStringLiteral("Date .........................."), "txtDate", *(txtDate = new QLineEdit));
-    addRow(*grid, "lblTime", QStringLiteral("Time .........................."), "txtTime", *(txtTime = new QLineEdit));
-    addRow(*grid, "lblType", QStringLiteral("Type ......."), "cboType", *(cboType = new QComboBox));
-    addRow(*grid, "lblComment", QStringLiteral("Comments - 50 characters or less"), "txtComment",
-           *(txtComment = new QLineEdit));
+    txtBloodSugar = named("txtBloodSugar", new QLineEdit);
+    txtDate = named("txtDate", new QLineEdit);
+    txtTime = named("txtTime", new QLineEdit);
+    cboType = named("cboType", new QComboBox);
+    txtComment = named("txtComment", new QLineEdit);
     for (const ReadingType& type : readingTypes()) {
         cboType->addItem(type.name, type.code);
     }
     txtComment->setMaxLength(kCommentLength);
     txtComment->setMinimumWidth(fontMetrics().averageCharWidth() * kCommentLength);
 
+    auto* grid = new QGridLayout;
+    addLabelledRow(*grid, "lblBloodSugar", QStringLiteral("Blood Suger Level ....."), *txtBloodSugar);
+    addLabelledRow(*grid, "lblDate", QStringLiteral("Date .........................."), *txtDate);
+    addLabelledRow(*grid, "lblTime", QStringLiteral("Time .........................."), *txtTime);
+    addLabelledRow(*grid, "lblType", QStringLiteral("Type ......."), *cboType);
+    addLabelledRow(*grid, "lblComment", QStringLiteral("Comments - 50 characters or less"), *txtComment);
+
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     const auto addButton = [&](const char* name, const QString& caption) {
-        auto* button = new QPushButton(caption);
-        button->setObjectName(QLatin1String(name));
+        auto* button = named(name, new QPushButton(caption));
         // A click leaves the focus in the field: it reaches its handler even when the field would not let the focus go.
         button->setFocusPolicy(Qt::TabFocus);
         buttons->addWidget(button);
@@ -120,19 +127,6 @@ void frmAddBloodSugar::createControls()
     layout->addSpacing(8);
     layout->addStretch();
     layout->addLayout(buttons);
-}
-
-void frmAddBloodSugar::addRow(QGridLayout& grid, const char* labelName, const QString& caption, const char* name,
-                              QWidget& field)
-{
-    auto* label = new QLabel(caption);
-    label->setObjectName(QLatin1String(labelName));
-    label->setBuddy(&field);
-    field.setObjectName(QLatin1String(name));
-    field.setAccessibleName(QString(caption).remove(u'.').trimmed());
-    const int row = grid.rowCount();
-    grid.addWidget(label, row, 0);
-    grid.addWidget(&field, row, 1);
 }
 
 void frmAddBloodSugar::connectHandlers()

@@ -4,7 +4,6 @@
 #include <QDialog>
 
 class QComboBox;
-class QGridLayout;
 class QLineEdit;
 class QPushButton;
 
@@ -42,7 +41,6 @@ private:
 
     void createControls();
     void connectHandlers();
-    void addRow(QGridLayout& grid, const char* labelName, const QString& caption, const char* name, QWidget& field);
     void setChanged(bool changed);
 
     const runtime::Clock& clock_;

@@ -1,7 +1,9 @@
 #include "readings/frmEditBldSugar.h"
 
 #include "controls/data_control.h"
+#include "controls/named.h"
 #include "data/database.h"
+#include "readings/labelled_row.h"
 #include "readings/reading_entry.h"
 #include "runtime/conversions.h"
 
@@ -10,6 +12,8 @@
 #include <QLineEdit>
 
 namespace readings {
+
+using controls::named;
 
 namespace {
 
@@ -25,8 +29,6 @@ QString typeList(const QString& diaryPath)
         list += runtime::toText(types.value(QStringLiteral("Type"))) + QStringLiteral(" - ") +
                 runtime::toText(types.value(QStringLiteral("Text"))) + QStringLiteral("\r\n");
     }
-    types.close();
-    database.close();
     return list;
 }
 
@@ -42,9 +44,9 @@ frmEditBldSugar::frmEditBldSugar(QWidget* owner, controls::Dialogs& dialogs, con
 
 void frmEditBldSugar::Form_Load(controls::Dialogs& dialogs, const QString& diaryPath)
 {
-    Data1 = new controls::DataControl(*this, dialogs, QStringLiteral("Blood Sugar"),
-                                      {.databasePath = diaryPath, .recordSource = QStringLiteral("BloodSugarLevels")});
-    Data1->setObjectName(QStringLiteral("Data1"));
+    Data1 = named("Data1", new controls::DataControl(
+                               *this, dialogs, QStringLiteral("Blood Sugar"),
+                               {.databasePath = diaryPath, .recordSource = QStringLiteral("BloodSugarLevels")}));
     layout()->addWidget(Data1);
     Data1->bind(*txtMmol, QStringLiteral("BloodSugerLevel"));
     Data1->bind(*txtType, QStringLiteral("ReadingType"));
@@ -57,16 +59,19 @@ void frmEditBldSugar::Form_Load(controls::Dialogs& dialogs, const QString& diary
 
 void frmEditBldSugar::createControls()
 {
+    txtMmol = named("txtMmol", new QLineEdit);
+    txtType = named("txtType", new QLineEdit);
+    txtTime = named("txtTime", new QLineEdit);
+    txtTime->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00") + QString(3, u'0')));
+
     auto* layout = new QVBoxLayout(this);
     auto* grid = new QGridLayout;
     layout->addLayout(grid);
-    txtMmol = addRow(*grid, "Label1", QStringLiteral("Mmol .................."), "txtMmol");
-    txtType = addRow(*grid, "Label2", QStringLiteral("Type .................."), "txtType");
-    txtTime = addRow(*grid, "Label3", QStringLiteral("Time .................."), "txtTime");
-    txtTime->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00") + QString(3, u'0')));
+    addLabelledRow(*grid, "Label1", QStringLiteral("Mmol .................."), *txtMmol);
+    addLabelledRow(*grid, "Label2", QStringLiteral("Type .................."), *txtType);
+    addLabelledRow(*grid, "Label3", QStringLiteral("Time .................."), *txtTime);
 
-    lblDesc = new QLabel;
-    lblDesc->setObjectName(QStringLiteral("lblDesc"));
+    lblDesc = named("lblDesc", new QLabel);
     lblDesc->setTextFormat(Qt::PlainText);
     lblDesc->setAccessibleName(QStringLiteral("Types"));
     lblDesc->setAlignment(Qt::AlignTop);
@@ -74,27 +79,12 @@ void frmEditBldSugar::createControls()
     grid->addWidget(lblDesc, 0, 3, grid->rowCount() + 1, 1);
     grid->setRowStretch(grid->rowCount() - 1, 1);
 
-    txtComments = new QLineEdit;
-    txtComments->setObjectName(QStringLiteral("txtComments"));
+    txtComments = named("txtComments", new QLineEdit);
     txtComments->setAccessibleName(QStringLiteral("Comments"));
     txtComments->setPlaceholderText(QStringLiteral("Comments"));
     txtComments->setMaxLength(kCommentLength);
     txtComments->setMinimumWidth(fontMetrics().averageCharWidth() * kCommentLength);
     layout->addWidget(txtComments);
-}
-
-QLineEdit* frmEditBldSugar::addRow(QGridLayout& grid, const char* labelName, const QString& caption, const char* name)
-{
-    auto* label = new QLabel(caption);
-    label->setObjectName(QLatin1String(labelName));
-    auto* field = new QLineEdit;
-    field->setObjectName(QLatin1String(name));
-    field->setAccessibleName(QString(caption).remove(u'.').trimmed());
-    label->setBuddy(field);
-    const int row = grid.rowCount();
-    grid.addWidget(label, row, 0);
-    grid.addWidget(field, row, 1);
-    return field;
 }
 
 } // namespace readings

@@ -3,7 +3,6 @@
 
 #include <QDialog>
 
-class QGridLayout;
 class QLabel;
 class QLineEdit;
 
@@ -27,7 +26,6 @@ public:
 private:
     void createControls();
     void Form_Load(controls::Dialogs& dialogs, const QString& diaryPath);
-    [[nodiscard]] QLineEdit* addRow(QGridLayout& grid, const char* labelName, const QString& caption, const char* name);
 
     QLineEdit* txtMmol = nullptr;
     QLineEdit* txtType = nullptr;

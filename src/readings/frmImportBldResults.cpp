@@ -3,6 +3,7 @@
 #include "controls/dialogs.h"
 #include "controls/event_handlers.h"
 #include "controls/hourglass_pointer.h"
+#include "controls/named.h"
 #include "readings/meter_import.h"
 
 #include <QCheckBox>
@@ -15,16 +16,11 @@
 
 namespace readings {
 
+using controls::named;
+
 namespace {
 
 constexpr int kPathCharacters = 50;
-
-template <typename Control>
-Control* named(const char* name, Control* control)
-{
-    control->setObjectName(QLatin1String(name));
-    return control;
-}
 
 /// Where a meter's file may be: the user replaces it.
 QString samplePath()

@@ -37,7 +37,7 @@ protected:
     void SetUp() override
     {
         view.resize(400, 300);
-        view.show(model);
+        view.showLines(model);
         showActive(view);
     }
 
@@ -295,7 +295,7 @@ TEST(ReportListView, OutlivesItsModel)
     ReportListView view;
     {
         ReportListModel model(list);
-        view.show(model);
+        view.showLines(model);
         showActive(view);
     }
     view.setTopIndex(3);
