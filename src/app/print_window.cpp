@@ -12,10 +12,10 @@
 
 namespace app {
 
+using reports::kTwipsPerPixel;
+
 namespace {
 
-constexpr double kPixelsPerInch = 96;
-constexpr double kTwipsPerPixel = reports::kTwipsPerInch / kPixelsPerInch;
 constexpr double kPictureSharpness = 3; ///< dots of the picture to a pixel of the screen
 
 /// The window in the dress of the page, for as long as this lives.

@@ -8,8 +8,6 @@
 namespace printing {
 namespace {
 
-constexpr double kTwipsPerPixel = reports::kTwipsPerInch / 96;
-
 /// Positions are sums of rounded figures: a line that exceeds the page by less than this stands on it.
 constexpr double kTolerance = 1;
 
@@ -44,7 +42,7 @@ void PagePrinter::printImage(const QImage& image)
     makeRoomForLine();
     const QPointF corner(std::max(0.0, position_.x()), std::max(0.0, position_.y()));
     const QSizeF room(metrics_.width - corner.x(), metrics_.height - corner.y());
-    QSizeF size = image.deviceIndependentSize() * kTwipsPerPixel;
+    QSizeF size = image.deviceIndependentSize() * reports::kTwipsPerPixel;
     if (size != size.boundedTo(room)) {
         size.scale(room, Qt::KeepAspectRatio);
     }

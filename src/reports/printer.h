@@ -9,6 +9,8 @@ namespace reports {
 
 /// Twips to the inch; all positions and extents of a printer are in twips.
 inline constexpr double kTwipsPerInch = 1440;
+/// A picture's pixels are those of a screen, 96 to the inch.
+inline constexpr double kTwipsPerPixel = kTwipsPerInch / 96;
 
 /// Positions count from the upper left corner of the page's printable area. The first output begins the document; one
 /// that is destroyed before endDocument() is discarded. A failure is run-time error 482 and ends the document.
@@ -34,8 +36,8 @@ public:
     virtual void makeRoomForLine() = 0;
     /// One line at the current position, tabs going to every eighth character; moves to the start of the next line.
     virtual void print(const QString& text) = 0;
-    /// A picture at the current position, 96 pixels to the inch (more where its device pixel ratio is above 1); moves
-    /// to the start of the line below it. It is made smaller, in proportion, where the page has not enough room.
+    /// A picture at the current position, a pixel being kTwipsPerPixel (less where its device pixel ratio is above 1);
+    /// moves to the start of the line below it. It is made smaller, in proportion, where the page has not enough room.
     virtual void printImage(const QImage& image) = 0;
 
     [[nodiscard]] virtual int page() const = 0; ///< the current page, from 1
