@@ -5,14 +5,11 @@
 namespace cli {
 namespace {
 
-QString after()
-{
-    return QStringLiteral("after");
-}
+const QString kAfter = QStringLiteral("after");
 
 QString cutOffFor(const Call& call)
 {
-    if (!call.options.isSet(after())) {
+    if (!call.options.isSet(kAfter)) {
         const QString latest = readings::latestReading(call.arguments.at(0));
         if (latest.isEmpty()) {
             throw UsageError(QStringLiteral("The diary has no reading yet: say with --after \"dd/mm/yyyy hh:mm\" after "
@@ -20,7 +17,7 @@ QString cutOffFor(const Call& call)
         }
         return latest;
     }
-    const QString typed = call.options.value(after());
+    const QString typed = call.options.value(kAfter);
     if (!runtime::isDate(typed)) {
         throw UsageError(QStringLiteral("'%1' is no date and time; write it as dd/mm/yyyy hh:mm.").arg(typed));
     }
@@ -43,7 +40,7 @@ Command importCommand()
         QStringLiteral("Add the readings of a blood glucose meter's file that are later than the latest in the diary."),
         {{QStringLiteral("FILE"), QStringLiteral("The diary.")},
          {QStringLiteral("METER.csv"), QStringLiteral("The meter's file: lines of date, time and mmol/l.")}},
-        {{after(), QStringLiteral("Add what is later than this moment (dd/mm/yyyy hh:mm) instead."),
+        {{kAfter, QStringLiteral("Add what is later than this moment (dd/mm/yyyy hh:mm) instead."),
           QStringLiteral("DATE")}},
         import};
 }

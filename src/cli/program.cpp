@@ -11,9 +11,12 @@
 namespace cli {
 namespace {
 
-QString helpOption()
+const QString kHelp = QStringLiteral("help");
+
+QString usageOf(const QCommandLineOption& option)
 {
-    return QStringLiteral("help");
+    const QString usage = QStringLiteral("--") + option.names().constFirst();
+    return option.valueName().isEmpty() ? usage : usage + u' ' + option.valueName();
 }
 
 QString usageOf(const Command& command)
@@ -23,8 +26,7 @@ QString usageOf(const Command& command)
         usage += argument.optional ? QStringLiteral(" [%1]").arg(argument.name) : u' ' + argument.name;
     }
     for (const QCommandLineOption& option : command.options) {
-        const QString value = option.valueName().isEmpty() ? QString() : u' ' + option.valueName();
-        usage += QStringLiteral(" [--%1%2]").arg(option.names().constFirst(), value);
+        usage += QStringLiteral(" [%1]").arg(usageOf(option));
     }
     return usage;
 }
@@ -59,20 +61,19 @@ void writeHelp(const Command& command, Output& output)
         writeTerm(argument.name, argument.meaning, output);
     }
     for (const QCommandLineOption& option : command.options) {
-        const QString value = option.valueName().isEmpty() ? QString() : u' ' + option.valueName();
-        writeTerm(QStringLiteral("--") + option.names().constFirst() + value, option.description(), output);
+        writeTerm(usageOf(option), option.description(), output);
     }
 }
 
 ExitStatus call(const Command& command, const QStringList& arguments, Output& output)
 {
     QCommandLineParser parser;
-    parser.addOption(QCommandLineOption(helpOption()));
+    parser.addOption(QCommandLineOption(kHelp));
     parser.addOptions(command.options);
     if (!parser.parse(QStringList{command.name} + arguments)) {
         throw UsageError(parser.errorText());
     }
-    if (parser.isSet(helpOption())) {
+    if (parser.isSet(kHelp)) {
         writeHelp(command, output);
         return ExitStatus::Done;
     }
