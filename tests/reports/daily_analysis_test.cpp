@@ -1,7 +1,7 @@
 #include "reports/daily_analysis.h"
 
 #include "data/database.h"
-#include "report_under_test.h"
+#include "reports/report_under_test.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "golden_diary.h"
+#include "reports/golden_diary.h"
 
 #include <QFile>
 #include <QStringList>

@@ -1,6 +1,6 @@
 #include "reports/statistics.h"
 
-#include "report_under_test.h"
+#include "reports/report_under_test.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
