@@ -6,7 +6,7 @@
 #include "sqlite_copy.h"
 
 #include "data/database.h"
-#include "reports/report_runner.h"
+#include "reports/all_reports.h"
 
 #include <stdexcept>
 
@@ -56,9 +56,8 @@ void compareOverallDiary(ComparisonTable& table)
 
     const runtime::SystemClock clock;
     const reports::Report& report = *reports::findReport(QStringLiteral("diary"));
-    reports::ReportState window;
+    reports::ReportState window(clock);
     window.strPath = diary;
-    window.clock = &clock;
     report.build(window);
     if (window.lstView.size() <= ours.rows()) {
         throw std::runtime_error("overall diary: not every food and reading has a line");

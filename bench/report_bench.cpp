@@ -2,7 +2,7 @@
 
 #include "bench_diaries.h"
 
-#include "reports/report_runner.h"
+#include "reports/all_reports.h"
 
 #include <benchmark/benchmark.h>
 
@@ -21,11 +21,10 @@ void report(benchmark::State& state, const char* name, const reports::DateFilter
 {
     const runtime::SystemClock clock;
     const reports::Report* report = reports::findReport(QString::fromLatin1(name));
-    reports::ReportState window;
+    reports::ReportState window(clock);
     window.strPath = diaryOf(state);
     window.fields = filter;
     window.strWhere = filter.isComplete() ? filter.strWhere() : QString();
-    window.clock = &clock;
     std::int64_t lines = 0;
     for (auto _ : state) {
         window.lstView.clear();

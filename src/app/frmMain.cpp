@@ -63,7 +63,6 @@ frmMain::frmMain(World world) : world_(std::move(world)), handlers_(*this, world
 
 void frmMain::Form_Load()
 {
-    state_.clock = &world_.clock;
     state_.strPath = data::diaryPath(world_.programFolder);
     const reports::DateFilter filter = reports::filterAtStart(world_.clock);
     bar_.txtFrom->setText(filter.from);

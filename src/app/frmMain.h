@@ -88,7 +88,7 @@ private:
     void printReportList(bool selectedOnly);
 
     World world_;
-    reports::ReportState state_;
+    reports::ReportState state_{world_.clock};
     reports::FindInReport search_;
     controls::ReportListModel lines_{state_.lstView};
     controls::EventHandlers<frmMain> handlers_;

@@ -1,7 +1,7 @@
 #include "cli/report_run.h"
 
 #include "cli/run_time_error_text.h"
-#include "reports/report_runner.h"
+#include "reports/all_reports.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
 
@@ -77,7 +77,6 @@ ReportRun::ReportRun(const Call& call)
     if (state_.fields.isComplete()) {
         state_.strWhere = state_.fields.strWhere();
     }
-    state_.clock = &clock_;
 
     for (const reports::Report* report : chosen) {
         titles_.append(report->title);

@@ -32,7 +32,7 @@ public:
 
 private:
     runtime::SystemClock clock_;
-    reports::ReportState state_;
+    reports::ReportState state_{clock_};
     QStringList titles_;
     QStringList errors_;
 };

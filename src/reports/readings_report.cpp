@@ -29,7 +29,7 @@ QString noReadingHint(const QString& strWhere)
 QString headingWith(const QString& title, const ReportState& state)
 {
     return title + QStringLiteral("\r\n") + state.strPath + QStringLiteral("\r\nPrinted - ") +
-           runtime::format(state.clock->now(), QStringLiteral("dddd dd mmmm yyyy hh:mm")) + QStringLiteral("\r\n\r\n");
+           runtime::format(state.clock.now(), QStringLiteral("dddd dd mmmm yyyy hh:mm")) + QStringLiteral("\r\n\r\n");
 }
 
 } // namespace reports

@@ -10,7 +10,6 @@ MealBuilder::MealBuilder()
 {
     clock.set(runtime::toDate(QStringLiteral("05/03/2024 12:30")));
     state.strPath = foods.path();
-    state.clock = &clock;
 }
 
 void MealBuilder::open()

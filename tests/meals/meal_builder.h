@@ -73,7 +73,7 @@ protected:
     runtime::FixedClock clock{{}};
     controls::StrictDialogs dialogs;
     RecordingPrinters printers;
-    reports::ReportState state;
+    reports::ReportState state{clock};
     QWidget owner;
     std::optional<frmAddMeal> form;
 };

@@ -24,7 +24,6 @@ protected:
     {
         QLocale::setDefault(QLocale::c());
         state_.strPath = diary_.path();
-        state_.clock = &clock_;
     }
 
     void build() { buildBasicReport(state_); }
@@ -65,7 +64,7 @@ protected:
 
     TestDiary diary_;
     runtime::FixedClock clock_{runtime::dateFromParts({2002, 3, 5, 8, 5, 59}).value()};
-    ReportState state_;
+    ReportState state_{clock_};
 };
 
 constexpr const char* kHeading = "Mmol\tWhen\tType\tComment";

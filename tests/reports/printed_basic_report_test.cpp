@@ -41,7 +41,8 @@ protected:
     }
 
     TestDiary diary_;
-    ReportState state_;
+    runtime::SystemClock clock_;
+    ReportState state_{clock_};
     Printout printout_;
     std::string hint_;
 };

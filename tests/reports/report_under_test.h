@@ -24,7 +24,6 @@ public:
     {
         QLocale::setDefault(QLocale::c());
         state_.strPath = diary_.path();
-        state_.clock = &clock_;
     }
 
     void add(const char* when, double mmol, Type type) { diary_.addReading(QString::fromLatin1(when), mmol, type); }
@@ -71,13 +70,15 @@ public:
         return lines;
     }
 
+private:
+    runtime::FixedClock clock_{runtime::dateFromParts({2002, 3, 5, 8, 5, 59}).value()};
+
 protected:
     TestDiary diary_;
-    ReportState state_;
+    ReportState state_{clock_};
 
 private:
     void (*builder_)(ReportState&);
-    runtime::FixedClock clock_{runtime::dateFromParts({2002, 3, 5, 8, 5, 59}).value()};
     std::string hint_;
 };
 

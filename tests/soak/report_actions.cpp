@@ -1,7 +1,7 @@
 #include "soak/report_actions.h"
 
 #include "reports/modDisp.h"
-#include "reports/report_runner.h"
+#include "reports/all_reports.h"
 #include "support/recording_printer.h"
 
 #include <algorithm>
@@ -41,7 +41,6 @@ Line lineOf(const Reading& reading)
 ReportWindow::ReportWindow(const QString& diaryPath)
 {
     state_.strPath = diaryPath;
-    state_.clock = &clock_;
 }
 
 void ReportWindow::filter(Scene& scene)

@@ -28,7 +28,7 @@ private:
     [[nodiscard]] bool isInFilter(Minute time) const;
 
     runtime::FixedClock clock_{runtime::Date{46030.5}};
-    reports::ReportState state_;
+    reports::ReportState state_{clock_};
     reports::FindInReport find_;
     Minute from_ = 0; ///< of the filter in force
     Minute to_ = 0;

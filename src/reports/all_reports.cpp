@@ -1,4 +1,4 @@
-#include "reports/report_runner.h"
+#include "reports/all_reports.h"
 
 #include "reports/basic_report.h"
 #include "reports/daily_analysis.h"

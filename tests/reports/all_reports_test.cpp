@@ -1,4 +1,4 @@
-#include "reports/report_runner.h"
+#include "reports/all_reports.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 namespace reports {
 namespace {
 
-TEST(ReportRunner, FindsEachReportByItsName)
+TEST(AllReports, FindsEachReportByItsName)
 {
     for (const Report& report : allReports()) {
         EXPECT_EQ(findReport(report.name), &report);
@@ -18,7 +18,7 @@ TEST(ReportRunner, FindsEachReportByItsName)
     }
 }
 
-TEST(ReportRunner, HasTheReportsInTheOrderOfTheMenu)
+TEST(AllReports, HasTheReportsInTheOrderOfTheMenu)
 {
     std::vector<std::string> reports;
     for (const Report& report : allReports()) {
@@ -30,7 +30,7 @@ TEST(ReportRunner, HasTheReportsInTheOrderOfTheMenu)
                                      "insulin: Insulin Diary", "stats: Stats"));
 }
 
-TEST(ReportRunner, KnowsNoOtherName)
+TEST(AllReports, KnowsNoOtherName)
 {
     EXPECT_EQ(findReport(QStringLiteral("Basic")), nullptr) << "case counts";
     EXPECT_EQ(findReport(QString()), nullptr);
