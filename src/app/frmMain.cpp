@@ -1,5 +1,8 @@
 #include "app/frmMain.h"
 
+#include "app/main_menu.h"
+#include "app/print_window.h"
+#include "app/program_icon.h"
 #include "controls/dialogs.h"
 #include "controls/field_focus.h"
 #include "controls/hourglass_pointer.h"
@@ -9,12 +12,9 @@
 #include "controls/report_list_view.h"
 #include "data/diary_location.h"
 #include "dialogs/change_date.h"
-#include "main_menu.h"
 #include "meals/frmAddIngredient.h"
 #include "meals/frmAddMeal.h"
 #include "meals/frmEditMealTime.h"
-#include "print_window.h"
-#include "program_icon.h"
 #include "readings/frmAddBloodSugar.h"
 #include "readings/frmEditBldSugar.h"
 #include "readings/frmImportBldResults.h"
@@ -369,6 +369,17 @@ void frmMain::connectMenu()
     connectEntry("mnuPrintDailyAnalysis", &frmMain::mnuPrintDailyAnalysis_Click);
     connectEntry("mnuPrintCurrent", &frmMain::mnuPrintCurrent_Click);
     connectEntry("mnuSelCurr", &frmMain::mnuSelCurr_Click);
+}
+
+std::unique_ptr<frmMain> openMainWindow(const World& world)
+{
+    std::unique_ptr<frmMain> window;
+    controls::guarded(world.dialogs, nullptr, [&] {
+        auto made = std::make_unique<frmMain>(world);
+        made->show();
+        window = std::move(made);
+    });
+    return window;
 }
 
 } // namespace app

@@ -9,6 +9,7 @@
 
 #include <QMainWindow>
 
+#include <memory>
 #include <optional>
 
 namespace controls {
@@ -17,10 +18,6 @@ class FieldFocus;
 class Printers;
 class ReportListView;
 } // namespace controls
-
-namespace reports {
-class Printer;
-}
 
 namespace app {
 
@@ -97,5 +94,8 @@ private:
     controls::ReportListView* lstView = nullptr;
     controls::FieldFocus* focus_ = nullptr;
 };
+
+/// Makes the window and shows it. Null when something keeps it from opening: a box has said what by then.
+[[nodiscard]] std::unique_ptr<frmMain> openMainWindow(const World& world);
 
 } // namespace app

@@ -8,6 +8,8 @@
 #include <QApplication>
 #include <QDir>
 
+#include <cstdlib>
+
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
@@ -18,11 +20,11 @@ int main(int argc, char* argv[])
     controls::QtDialogs dialogs;
     const app::DiaryCopies copies(clock, dialogs);
     controls::SystemPrinters printers(dialogs);
-    app::frmMain window({.clock = clock,
-                         .dialogs = dialogs,
-                         .printers = printers,
-                         .programFolder = QDir::toNativeSeparators(QCoreApplication::applicationDirPath()),
-                         .fixedDiaryPath = data::fixedDiaryPath()});
-    window.show();
-    return QApplication::exec();
+    const auto window =
+        app::openMainWindow({.clock = clock,
+                             .dialogs = dialogs,
+                             .printers = printers,
+                             .programFolder = QDir::toNativeSeparators(QCoreApplication::applicationDirPath()),
+                             .fixedDiaryPath = data::fixedDiaryPath()});
+    return window ? QApplication::exec() : EXIT_FAILURE;
 }

@@ -1,18 +1,34 @@
-#include "main_menu.h"
+#include "app/main_menu.h"
 
 #include <QMenu>
 #include <QMenuBar>
+
+#include <stdexcept>
+#include <string>
 
 namespace app {
 
 namespace {
 
 struct Entry {
+    enum class Kind { Action, NotInThisVersion, Separator };
+
     const char* name;
-    const char* caption;  ///< "-" for a separator
-    const char* tip = ""; ///< what it does; empty where it is not in this version
+    const char* caption;
+    const char* tip; ///< what it does
     const char* shortcut = "";
+    Kind kind = Kind::Action;
 };
+
+Entry notInThisVersion(const char* name, const char* caption)
+{
+    return {name, caption, "Not in this version of Quillon.", "", Entry::Kind::NotInThisVersion};
+}
+
+Entry separator(const char* name)
+{
+    return {name, "", "", "", Entry::Kind::Separator};
+}
 
 struct Menu {
     const char* name;
@@ -25,7 +41,9 @@ QList<Menu> mainMenu()
     return {
         {"mnuFile",
          "File",
-         {{"mnuExport", "Export"}, {"mnuImport", "Import"}, {"mnuExit", "Exit", "Ends the program."}}},
+         {notInThisVersion("mnuExport", "Export"),
+          notInThisVersion("mnuImport", "Import"),
+          {"mnuExit", "Exit", "Ends the program."}}},
         {"mnuAdd",
          "Add",
          {{"mnuBloodSugar", "Blood Sugar Reading", "Adds a blood sugar reading to the diary."},
@@ -36,18 +54,18 @@ QList<Menu> mainMenu()
          "Edit",
          {{"mnuEditBloodSugar", "Blood Sugar", "Shows the stored readings one by one, to correct them."},
           {"mnuEditMealTime", "Meal Time", "Shows the stored meals one by one, to correct their time."},
-          {"mnuSep4", "-"},
+          separator("mnuSep4"),
           {"mnuFind", "Find", "Finds a text in the report.", "Ctrl+F"},
           {"mnuFindNext", "Find Next", "Finds the text further down in the report.", "F3"}}},
         {"mnuReports",
          "Reports",
          {{"mnuBasicBloodSugar", "Basic Blood Sugar Data", "Lists the blood sugar readings inside the filter."},
           {"mnuDailyAnalysis", "Daily Analysis", "Shows how blood sugar moved after each meal and over each night."},
-          {"mnuSep2", "-"},
+          separator("mnuSep2"),
           {"mnuDairy", "Overall Diary - Inc Meal",
            "Lists each meal with its foods, the insulin and the readings around it, and the totals of each day."},
           {"mnuDairySummary", "Overall Diary - Summary", "The overall diary without the foods."},
-          {"mnuSep3", "-"},
+          separator("mnuSep3"),
           {"mnuInsulinDiary", "Insulin Diary",
            "Lists the insulin of each meal, its carbohydrate, and the readings around it."},
           {"mnuStats", "Stats", "Adds the averages of the readings inside the filter."}}},
@@ -55,7 +73,7 @@ QList<Menu> mainMenu()
          "Print Reports",
          {{"mnuPrntBasicBloodSugar", "Basic Blood Sugar Data", "Prints all blood sugar readings of the diary."},
           {"mnuPrintDailyAnalysis", "Daily Analysis", "Prints a picture of this window with what it shows."},
-          {"mnuSep", "-"},
+          separator("mnuSep"),
           {"mnuPrintCurrent", "Currently Displayed Report", "Prints the report."},
           {"mnuSelCurr", "Selected Part of Current Report", "Prints the selected lines of the report."}}},
     };
@@ -63,18 +81,12 @@ QList<Menu> mainMenu()
 
 void addEntry(QMenu& menu, const Entry& entry)
 {
-    const QString caption = QLatin1String(entry.caption);
-    QAction* action = caption == u"-" ? menu.addSeparator() : menu.addAction(caption);
+    const bool isSeparator = entry.kind == Entry::Kind::Separator;
+    QAction* action = isSeparator ? menu.addSeparator() : menu.addAction(QLatin1String(entry.caption));
     action->setObjectName(QLatin1String(entry.name));
-    if (action->isSeparator()) {
-        return;
-    }
-    action->setShortcut(QKeySequence(QLatin1String(entry.shortcut)));
     action->setStatusTip(QLatin1String(entry.tip));
-    if (action->statusTip().isEmpty()) {
-        action->setEnabled(false);
-        action->setStatusTip(QStringLiteral("Not in this version of Quillon."));
-    }
+    action->setShortcut(QKeySequence(QLatin1String(entry.shortcut)));
+    action->setEnabled(entry.kind != Entry::Kind::NotInThisVersion);
 }
 
 } // namespace
@@ -93,7 +105,9 @@ void createMainMenu(QMenuBar& bar)
 QAction& menuEntry(const QMenuBar& bar, const char* name)
 {
     auto* entry = bar.findChild<QAction*>(QLatin1String(name));
-    Q_ASSERT(entry != nullptr);
+    if (entry == nullptr) {
+        throw std::logic_error(std::string("The main menu has no entry ") + name);
+    }
     return *entry;
 }
 

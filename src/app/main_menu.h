@@ -10,7 +10,7 @@ namespace app {
 /// bar; what is not in this version is disabled, and its tip says so.
 void createMainMenu(QMenuBar& bar);
 
-/// The entry of that name, which is there.
+/// The entry of that name; std::logic_error when there is none.
 [[nodiscard]] QAction& menuEntry(const QMenuBar& bar, const char* name);
 
 } // namespace app

@@ -1,4 +1,4 @@
-#include "print_window.h"
+#include "app/print_window.h"
 
 #include "reports/printer.h"
 

@@ -1,3 +1,5 @@
+#include "app/main_menu.h"
+
 #include "app/main_window.h"
 
 #include <QMenu>
@@ -7,6 +9,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <stdexcept>
 
 namespace app {
 namespace {
@@ -85,6 +89,12 @@ TEST_F(MainWindow, EveryEntrySaysWhatItDoesOrThatItIsNotThereYet)
                 << entry->objectName().toStdString();
         }
     }
+}
+
+TEST_F(MainWindow, AnEntryThatTheMenuLacksIsAnErrorOfTheProgram)
+{
+    EXPECT_EQ(menuEntry(*window->menuBar(), "mnuExit").text().toStdString(), "Exit");
+    EXPECT_THROW(static_cast<void>(menuEntry(*window->menuBar(), "mnuNone")), std::logic_error);
 }
 
 TEST_F(MainWindow, TheStatusBarShowsTheTipOfAnEntry)

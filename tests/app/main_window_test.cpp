@@ -1,6 +1,8 @@
 #include "app/main_window.h"
 
 #include "data/diary_location.h"
+#include "runtime/conversions.h"
+#include "runtime/run_time_error.h"
 
 #include <QLabel>
 #include <QMenuBar>
@@ -252,6 +254,32 @@ TEST_F(MainWindow, FieldsAndButtonsHaveNamesForScreenReaders)
     EXPECT_EQ(field("txtTo").accessibleName().toStdString(), "To date");
     EXPECT_FALSE(button("cmdFrom").accessibleName().isEmpty());
     EXPECT_FALSE(list().accessibleName().isEmpty());
+}
+
+/// A clock whose battery is flat.
+class BrokenClock : public runtime::Clock
+{
+public:
+    [[nodiscard]] runtime::Date now() const override { throw runtime::RunTimeError(runtime::ErrorNumber::Overflow); }
+};
+
+TEST(OpenMainWindow, ShowsTheWindow)
+{
+    const runtime::FixedClock clock(runtime::toDate(QStringLiteral("03/03/2002 10:00")));
+    controls::StrictDialogs dialogs;
+    RecordingPrinters printers;
+    const auto window = openMainWindow({clock, dialogs, printers, {}, {}});
+    ASSERT_NE(window, nullptr);
+    EXPECT_TRUE(window->isVisible());
+}
+
+TEST(OpenMainWindow, SaysWhatKeepsTheWindowFromOpening)
+{
+    const BrokenClock clock;
+    controls::StrictDialogs dialogs;
+    RecordingPrinters printers;
+    EXPECT_CALL(dialogs, showError(nullptr, QString("Run-time error '6':\n\nOverflow"), QString("Quillon")));
+    EXPECT_EQ(openMainWindow({clock, dialogs, printers, {}, {}}), nullptr);
 }
 
 } // namespace
