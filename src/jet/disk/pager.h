@@ -4,12 +4,10 @@
 //   1. A page of the file is overwritten only while the journal beside the file holds, durably, what it was before.
 //   2. The file is synced before its journal is retired, and commit() returns only after the retirement is durable.
 //   3. The file is written in whole pages, and only under the exclusive lock; the journal too.
-//   4. A journal that is there while nobody holds the exclusive lock belongs to a commit that did not finish. No page
-//   is
-//      used before it is rolled back, which restores the pages and the size.
+//   4. A journal that is there while nobody holds the exclusive lock belongs to a commit that did not finish. It is
+//      rolled back before any page is used, which restores the pages and the size.
 //   5. Pages of the cache equal those of the file whenever a lock is held. Pages that were handed out never change.
-//   6. Each commit changes the first byte of the first commit pair of page 0 (FORMAT.md, "The file and its header
-//   page"), so that other
+//   6. Each commit changes the first commit pair of page 0 (FORMAT.md, "The file and its header page"), so that other
 //      connections notice it even where size and time of the file stay the same. The commit that makes page 0 is the
 //      exception: before it there was nothing to have cached.
 //   7. After a failed commit that could not be taken back nothing is trusted any more: the pager stays Failed.
@@ -27,12 +25,15 @@
 // write a MiB of journal and one a run of adjacent pages. A commit that changed no byte does no I/O at all.
 #pragma once
 
-#include "jet/disk/file.h"
-#include "jet/disk/page.h"
+#include "jet/disk/file_pages.h"
+#include "jet/disk/journal.h"
+#include "jet/disk/page_changes.h"
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace jet {
 
@@ -58,16 +59,16 @@ public:
     Pager(const Pager&) = delete;
     Pager& operator=(const Pager&) = delete;
     /// Writes nothing: a transaction in progress is forgotten.
-    ~Pager();
+    ~Pager() = default;
 
-    [[nodiscard]] const std::string& path() const;
-    [[nodiscard]] bool isReadOnly() const;
+    [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] bool isReadOnly() const { return file_->isReadOnly(); }
     /// With the pages that the transaction in progress has appended; what a foreign program left of a page at the end
     /// of the file does not count.
-    [[nodiscard]] PageNumber pageCount() const;
+    [[nodiscard]] PageNumber pageCount() const { return inTransaction() ? changes_.pageCount() : pages_.count(); }
     /// Rises whenever cached pages were dropped because another program changed the file, or a change was rolled back:
     /// whatever was decoded from pages before is then stale.
-    [[nodiscard]] std::uint64_t generation() const;
+    [[nodiscard]] std::uint64_t generation() const { return generation_; }
 
     // Reading. Between beginRead and endRead (they nest) the file does not change under the reader.
     void beginRead();
@@ -79,7 +80,7 @@ public:
 
     /// Takes the reserved lock. Throws ReadOnly, Locked, and Corrupt where the file ends in the middle of a page.
     void begin();
-    [[nodiscard]] bool inTransaction() const;
+    [[nodiscard]] bool inTransaction() const { return state_ == State::Changing; }
     /// The page for changing in place; the reference is good until the next call of any function of the pager.
     [[nodiscard]] Page& modify(PageNumber page);
     /// A new page, all zero, at the end of the file. Throws Overflow at 2 GiB.
@@ -108,11 +109,37 @@ public:
     /// From then on this pager and all others that have the old file say that it was replaced.
     void replaceBy(const std::string& path);
     /// The path with links resolved: the name that replaceBy() gives.
-    [[nodiscard]] const std::string& resolvedPath() const;
+    [[nodiscard]] const std::string& resolvedPath() const { return resolvedPath_; }
 
 private:
-    class Implementation;
-    std::unique_ptr<Implementation> implementation_;
+    enum class State { Idle, Reading, Changing, Failed };
+
+    void requireNotFailed() const;
+    void requireTransaction() const;
+    void requireSavepoint(Savepoint savepoint) const;
+    void requireInFile(PageNumber page) const;
+
+    void takeLock(LockLevel level);
+    void recover(LockLevel level);
+    void settle() noexcept;
+    void releaseDownTo(LockLevel level) noexcept;
+
+    void countCommit(std::vector<ChangedPage>& changed);
+    bool undoCommit(bool fileTouched) noexcept;
+    void checkState() const;
+
+    FileSystem* fileSystem_;
+    std::string path_;
+    std::chrono::milliseconds patience_;
+    std::unique_ptr<File> file_;
+    std::string resolvedPath_;
+    Journal journal_;
+
+    State state_ = State::Idle;
+    std::size_t readDepth_ = 0; ///< in every state, Failed included, so that guards can end
+    std::uint64_t generation_ = 0;
+    FilePages pages_;
+    PageChanges changes_;
 };
 
 /// Holds a read for as long as it lives.
