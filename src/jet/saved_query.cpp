@@ -2,54 +2,24 @@
 #include "jet/schema.h"
 
 #include "jet/disk/error.h"
-#include "jet/format/utf.h"
+#include "jet/query_rows.h"
 #include "jet/query_sources.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <stdexcept>
-#include <string_view>
 
 namespace jet {
 
 namespace {
 
-// What a row is about.
-constexpr std::uint8_t kType = 1;
-constexpr std::uint8_t kParameter = 2;
-constexpr std::uint8_t kOptions = 3;
-constexpr std::uint8_t kExternalDatabase = 4;
-constexpr std::uint8_t kInput = 5;
-constexpr std::uint8_t kOutput = 6;
-constexpr std::uint8_t kJoin = 7;
-constexpr std::uint8_t kWhere = 8;
-constexpr std::uint8_t kGroupBy = 9;
-constexpr std::uint8_t kHaving = 10;
-constexpr std::uint8_t kOrderBy = 11;
-
-// Bits of the options row's flag.
-constexpr unsigned kAllColumns = 1;
-constexpr unsigned kDistinct = 2; // of a union: no row twice
-constexpr unsigned kOwnerAccess = 4;
-constexpr unsigned kDistinctRow = 8;
-constexpr unsigned kTop = 16;
-constexpr unsigned kPercent = 32;
+using namespace query_attribute;
+using namespace query_option;
 
 // Flags of output columns.
 constexpr int kPlain = 0;
 constexpr int kPivot = 1;
 constexpr int kRowHeading = 2;
 constexpr int kAppendedValue = -0x8000;
-
-enum class Kind { Select, MakeTable, Append, Update, Delete, Crosstab, DataDefinition, PassThrough, Union };
-
-std::string text(const std::optional<std::u16string>& stored)
-{
-    std::string result = stored ? toUtf8(*stored) : std::string();
-    const std::size_t last = result.find_last_not_of(std::string_view(" \t\r\n\0", 5));
-    result.resize(last == std::string::npos ? 0 : last + 1);
-    return result;
-}
 
 std::string withoutSemicolon(std::string sql)
 {
@@ -102,113 +72,33 @@ const char* typeName(int code)
 class Writer
 {
 public:
-    explicit Writer(const SavedQuery& query) : query_(query) {}
+    explicit Writer(const SavedQuery& query) : rows_(query) {}
 
     [[nodiscard]] std::string statement() const
     {
-        switch (kind()) {
-        case Kind::DataDefinition:
-        case Kind::PassThrough:
+        switch (rows_.kind()) {
+        case QueryKind::DataDefinition:
+        case QueryKind::PassThrough:
             return storedStatement();
-        case Kind::Select:
+        case QueryKind::Select:
             return whole(selection("") + tail());
-        case Kind::MakeTable:
+        case QueryKind::MakeTable:
             return whole(selection("\nINTO " + target()) + tail());
-        case Kind::Append:
+        case QueryKind::Append:
             return whole(appending());
-        case Kind::Update:
+        case QueryKind::Update:
             return whole(updating());
-        case Kind::Delete:
+        case QueryKind::Delete:
             return whole(deleting());
-        case Kind::Crosstab:
+        case QueryKind::Crosstab:
             return whole(crosstab());
-        case Kind::Union:
+        case QueryKind::Union:
             return whole(unionOfParts());
         }
         return {};
     }
 
 private:
-    // --- Rows ---
-
-    [[nodiscard]] std::vector<const QueryRow*> rows(std::uint8_t attribute) const
-    {
-        std::vector<const QueryRow*> found;
-        for (const QueryRow& row : query_.rows) {
-            if (row.attribute == attribute) {
-                found.push_back(&row);
-            }
-        }
-        std::stable_sort(found.begin(), found.end(),
-                         [](const QueryRow* a, const QueryRow* b) { return a->order < b->order; });
-        return found;
-    }
-
-    [[nodiscard]] const QueryRow* firstRow(std::uint8_t attribute) const
-    {
-        const auto found = rows(attribute);
-        return found.empty() ? nullptr : found.front();
-    }
-
-    [[nodiscard]] bool option(unsigned bit) const
-    {
-        const QueryRow* row = firstRow(kOptions);
-        return row != nullptr && (static_cast<unsigned>(row->flag.value_or(0)) & bit) != 0;
-    }
-
-    [[nodiscard]] Kind kind() const
-    {
-        switch (static_cast<unsigned>(query_.flags) & 0xF0U) {
-        case 0x00:
-            return kindOfTypeRow();
-        case 0x10:
-            return Kind::Crosstab;
-        case 0x20:
-            return Kind::Delete;
-        case 0x30:
-            return Kind::Update;
-        case 0x40:
-            return Kind::Append;
-        case 0x50:
-            return Kind::MakeTable;
-        case 0x60:
-            return Kind::DataDefinition;
-        case 0x70:
-            return Kind::PassThrough;
-        case 0x80:
-            return Kind::Union;
-        default:
-            throw std::invalid_argument("is of an unknown kind");
-        }
-    }
-
-    [[nodiscard]] Kind kindOfTypeRow() const
-    {
-        const QueryRow* row = firstRow(kType);
-        switch (row == nullptr ? 1 : row->flag.value_or(1)) {
-        case 1:
-            return Kind::Select;
-        case 2:
-            return Kind::MakeTable;
-        case 3:
-            return Kind::Append;
-        case 4:
-            return Kind::Update;
-        case 5:
-            return Kind::Delete;
-        case 6:
-            return Kind::Crosstab;
-        case 7:
-            return Kind::DataDefinition;
-        case 8:
-            return Kind::PassThrough;
-        case 9:
-            return Kind::Union;
-        default:
-            throw std::invalid_argument("is of an unknown kind");
-        }
-    }
-
     // --- Names and expressions ---
 
     /// Brackets every name, because many a good column name is a word of SQL.
@@ -239,7 +129,7 @@ private:
     /// Expressions are stored ready to use.
     [[nodiscard]] static std::string expression(const QueryRow& row)
     {
-        std::string result = text(row.expression);
+        std::string result = queryText(row.expression);
         if (result.empty()) {
             throw std::invalid_argument("has a row without its expression");
         }
@@ -248,14 +138,14 @@ private:
 
     [[nodiscard]] static std::string withAlias(const std::string& sql, const std::optional<std::u16string>& name)
     {
-        const std::string alias = text(name);
+        const std::string alias = queryText(name);
         return alias.empty() ? sql : sql + " AS " + bracketed(alias);
     }
 
     [[nodiscard]] std::string target() const
     {
-        const QueryRow* row = firstRow(kType);
-        return bracketed(row == nullptr ? std::string() : text(row->name1));
+        const QueryRow* row = rows_.first(kType);
+        return bracketed(row == nullptr ? std::string() : queryText(row->name1));
     }
 
     // --- Clauses ---
@@ -263,32 +153,32 @@ private:
     [[nodiscard]] std::string parameters() const
     {
         std::string declared;
-        for (const QueryRow* row : rows(kParameter)) {
-            append(declared, bracketed(text(row->name1)) + " " + typeName(row->flag.value_or(0)));
+        for (const QueryRow* row : rows_.all(kParameter)) {
+            append(declared, bracketed(queryText(row->name1)) + " " + typeName(row->flag.value_or(0)));
         }
         return declared.empty() ? "" : "PARAMETERS " + declared + ";\n";
     }
 
     [[nodiscard]] std::string whole(const std::string& statement) const
     {
-        return parameters() + statement + (option(kOwnerAccess) ? "\nWITH OWNERACCESS OPTION;" : ";");
+        return parameters() + statement + (rows_.has(kOwnerAccess) ? "\nWITH OWNERACCESS OPTION;" : ";");
     }
 
     [[nodiscard]] std::string predicate() const
     {
         std::string result;
-        if (option(kDistinct)) {
+        if (rows_.has(kDistinct)) {
             result += "DISTINCT ";
         }
-        if (option(kDistinctRow)) {
+        if (rows_.has(kDistinctRow)) {
             result += "DISTINCTROW ";
         }
-        if (option(kTop)) {
-            const std::string count = text(firstRow(kOptions)->name1);
+        if (rows_.has(kTop)) {
+            const std::string count = queryText(rows_.first(kOptions)->name1);
             if (count.empty() || count.find_first_not_of("0123456789") != std::string::npos) {
                 throw std::invalid_argument("says TOP without a number");
             }
-            result += "TOP " + count + (option(kPercent) ? " PERCENT " : " ");
+            result += "TOP " + count + (rows_.has(kPercent) ? " PERCENT " : " ");
         }
         return result;
     }
@@ -297,7 +187,7 @@ private:
     [[nodiscard]] std::string columns(std::optional<int> flag) const
     {
         std::string result;
-        for (const QueryRow* row : rows(kOutput)) {
+        for (const QueryRow* row : rows_.all(kOutput)) {
             if (!flag || row->flag.value_or(kPlain) == *flag) {
                 append(result, withAlias(expression(*row), row->name1));
             }
@@ -308,7 +198,7 @@ private:
     [[nodiscard]] std::string columnsOrAll() const
     {
         std::string result = columns(std::nullopt);
-        if (option(kAllColumns)) {
+        if (rows_.has(kAllColumns)) {
             append(result, "*");
         }
         return result;
@@ -326,13 +216,13 @@ private:
     [[nodiscard]] std::string sources() const
     {
         QuerySources sources;
-        for (const QueryRow* row : rows(kInput)) {
-            const std::string name = text(row->name1);
-            const std::string alias = text(row->name2);
+        for (const QueryRow* row : rows_.all(kInput)) {
+            const std::string name = queryText(row->name1);
+            const std::string alias = queryText(row->name2);
             sources.add(alias.empty() ? name : alias, withAlias(source(*row, name), row->name2));
         }
-        for (const QueryRow* row : rows(kJoin)) {
-            sources.join(joinOf(*row), text(row->name1), text(row->name2), expression(*row));
+        for (const QueryRow* row : rows_.all(kJoin)) {
+            sources.join(joinOf(*row), queryText(row->name1), queryText(row->name2), expression(*row));
         }
         return sources.sql();
     }
@@ -342,7 +232,7 @@ private:
         if (name.empty()) {
             return "(" + withoutSemicolon(expression(row)) + ")"; // a query inside the query
         }
-        const std::string otherFile = text(row.expression);
+        const std::string otherFile = queryText(row.expression);
         return otherFile.empty() ? bracketed(name) : bracketed(otherFile) + "." + bracketed(name);
     }
 
@@ -366,21 +256,21 @@ private:
         if (list.empty()) {
             return {};
         }
-        const QueryRow* other = firstRow(kExternalDatabase);
+        const QueryRow* other = rows_.first(kExternalDatabase);
         return "\nFROM " + list +
-               (other == nullptr ? "" : " IN '" + text(other->name1) + "' [" + text(other->expression) + "]");
+               (other == nullptr ? "" : " IN '" + queryText(other->name1) + "' [" + queryText(other->expression) + "]");
     }
 
     [[nodiscard]] std::string condition(const char* words, std::uint8_t attribute) const
     {
-        const QueryRow* row = firstRow(attribute);
+        const QueryRow* row = rows_.first(attribute);
         return row == nullptr ? "" : words + expression(*row);
     }
 
     [[nodiscard]] std::string groupBy(std::optional<int> flag) const
     {
         std::string list;
-        for (const QueryRow* row : rows(kGroupBy)) {
+        for (const QueryRow* row : rows_.all(kGroupBy)) {
             if (!flag || row->flag.value_or(kPlain) == *flag) {
                 append(list, expression(*row));
             }
@@ -391,7 +281,7 @@ private:
     [[nodiscard]] std::string orderBy() const
     {
         std::string list;
-        for (const QueryRow* row : rows(kOrderBy)) {
+        for (const QueryRow* row : rows_.all(kOrderBy)) {
             append(list, expression(*row) + (row->name1 == u"D" ? " DESC" : ""));
         }
         return list.empty() ? "" : "\nORDER BY " + list;
@@ -407,7 +297,7 @@ private:
 
     [[nodiscard]] std::string storedStatement() const
     {
-        const QueryRow* row = firstRow(kType);
+        const QueryRow* row = rows_.first(kType);
         if (row == nullptr) {
             throw std::invalid_argument("has lost its statement");
         }
@@ -418,8 +308,8 @@ private:
     {
         std::string targets;
         bool values = false;
-        for (const QueryRow* row : rows(kOutput)) {
-            if (const std::string column = text(row->name2); !column.empty()) {
+        for (const QueryRow* row : rows_.all(kOutput)) {
+            if (const std::string column = queryText(row->name2); !column.empty()) {
                 append(targets, bracketedColumn(column));
             }
             values = values || row->flag == kAppendedValue;
@@ -431,8 +321,8 @@ private:
     [[nodiscard]] std::string updating() const
     {
         std::string changes;
-        for (const QueryRow* row : rows(kOutput)) {
-            append(changes, bracketedColumn(text(row->name2)) + " = " + expression(*row));
+        for (const QueryRow* row : rows_.all(kOutput)) {
+            append(changes, bracketedColumn(queryText(row->name2)) + " = " + expression(*row));
         }
         const std::string tables = sources();
         if (changes.empty() || tables.empty()) {
@@ -466,9 +356,9 @@ private:
     [[nodiscard]] std::string unionOfParts() const
     {
         std::string result;
-        for (const QueryRow* row : rows(kInput)) {
+        for (const QueryRow* row : rows_.all(kInput)) {
             const std::string part = withoutSemicolon(expression(*row));
-            result += (result.empty() ? "" : option(kDistinct) ? "\nUNION " : "\nUNION ALL ") + part;
+            result += (result.empty() ? "" : rows_.has(kDistinct) ? "\nUNION " : "\nUNION ALL ") + part;
         }
         if (result.empty()) {
             throw std::invalid_argument("is a union of nothing");
@@ -476,7 +366,7 @@ private:
         return result + orderBy();
     }
 
-    const SavedQuery& query_;
+    QueryRows rows_;
 };
 
 } // namespace
