@@ -34,6 +34,11 @@ const char* words(PageLedger::Use use)
 
 } // namespace
 
+std::string wordsFor(RowPointer row)
+{
+    return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
+}
+
 void FaultList::add(PageNumber page, std::string text, Fault::Kind kind)
 {
     faults_.push_back({page, std::move(text), kind});

@@ -17,6 +17,9 @@ namespace jet {
 struct EnoughFaults {
 };
 
+/// "row 3 of page 12".
+[[nodiscard]] std::string wordsFor(RowPointer row);
+
 class FaultList
 {
 public:

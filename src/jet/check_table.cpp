@@ -3,7 +3,6 @@
 #include "jet/disk/error.h"
 #include "jet/format/data_page.h"
 #include "jet/format/index_key.h"
-#include "jet/format/long_value.h"
 #include "jet/store/index_tree.h"
 #include "jet/store/long_value_store.h"
 #include "jet/store/row_store.h"
@@ -21,11 +20,6 @@ namespace {
 std::string rowText(std::uint8_t row)
 {
     return "row " + std::to_string(row);
-}
-
-std::string addressText(RowPointer row)
-{
-    return rowText(row.row) + " of page " + std::to_string(row.page);
 }
 
 bool isPrimaryKey(const TableDefinition& definition, std::size_t realIndex)
@@ -97,30 +91,14 @@ bool TableCheck::loadDefinition()
     });
 }
 
+/// What else may be wrong with a definition keeps it from being read.
 void TableCheck::checkDefinition()
 {
-    std::vector<std::uint16_t> numbers;
     for (const Column& column : definition_.columns) {
-        numbers.push_back(column.number);
-        if (column.number >= definition_.maximumColumns) {
-            damage(first_, "the number of column \"" + column.name + "\" is past the count of columns");
-        }
-        if (!column.isFixed() && column.variableSlot >= definition_.maximumVariableColumns) {
-            damage(first_, "the slot of column \"" + column.name + "\" is past the count of variable columns");
-        }
         const bool hasMaps = std::any_of(definition_.longValues.begin(), definition_.longValues.end(),
                                          [&](const LongValueMaps& maps) { return maps.columnNumber == column.number; });
         if (column.isLongValue() && !hasMaps) {
             damage(first_, "column \"" + column.name + "\" has no maps for its long values");
-        }
-    }
-    std::sort(numbers.begin(), numbers.end());
-    if (std::adjacent_find(numbers.begin(), numbers.end()) != numbers.end()) {
-        damage(first_, "two columns have one number");
-    }
-    for (const LogicalIndex& index : definition_.logicalIndexes) {
-        if (index.realIndex >= definition_.realIndexes.size()) {
-            damage(first_, "index \"" + index.name + "\" is not there");
         }
     }
 }
@@ -173,16 +151,14 @@ void TableCheck::claimEverything()
         const Column* column = definition_.columnByNumber(maps.columnNumber);
         const std::string name = column != nullptr ? "column \"" + column->name + "\""
                                                    : "column number " + std::to_string(maps.columnNumber);
-        LongColumn longColumn;
-        longColumn.number = maps.columnNumber;
-        longColumn.owner = ledger_->addOwner(name + " of table \"" + name_ + "\"");
-        longColumn.pages =
-            claimPages(maps.owned, PageLedger::Use::LongValues, longColumn.owner, "the long-value pages of " + name);
+        const std::uint32_t owner = ledger_->addOwner(name + " of table \"" + name_ + "\"");
+        longColumns_.emplace_back(
+            *pager_, *ledger_, owner, maps.columnNumber,
+            claimPages(maps.owned, PageLedger::Use::LongValues, owner, "the long-value pages of " + name));
         if (maps.withSpace.page != 0) {
-            claimSpaceMap(maps.withSpace, PageLedger::Use::LongValues, longColumn.owner,
+            claimSpaceMap(maps.withSpace, PageLedger::Use::LongValues, owner,
                           "the long-value pages with space of " + name);
         }
-        longColumns_.push_back(std::move(longColumn));
     }
     for (std::size_t i = 0; i < definition_.realIndexes.size(); ++i) {
         const std::string name = "index " + std::to_string(i);
@@ -197,15 +173,9 @@ void TableCheck::claimEverything()
 
 void TableCheck::checkLongValuePages()
 {
-    for (const LongColumn& column : longColumns_) {
-        for (const PageNumber page : column.pages) {
-            guard(page, "a long-value page", [&] {
-                const PageRef content = pager_->read(page);
-                if (!isDataPageOf(*content, kLongValueOwner)) {
-                    throw Error(ErrorCode::Corrupt, page, "it is no long-value page");
-                }
-                DataPage(*content, page).validate();
-            });
+    for (const LongValueCheck& column : longColumns_) {
+        for (const PageNumber page : column.pages()) {
+            guard(page, "a long-value page", [&] { column.checkPage(page); });
         }
     }
 }
@@ -248,7 +218,7 @@ void TableCheck::checkDataPage(PageNumber page, const RowSink& sink)
 
 void TableCheck::checkPointer(RowPointer address, RowPointer target, const RowSink& sink)
 {
-    const std::string what = rowText(address.row) + ", which has moved to " + addressText(target);
+    const std::string what = rowText(address.row) + ", which has moved to " + wordsFor(target);
     const bool readable = guard(address.page, what, [&] {
         if (!ledger_->has(target.page, PageLedger::Use::Data, owner_)) {
             throw Error(ErrorCode::Corrupt, address.page, "that page is not the table's");
@@ -289,10 +259,11 @@ void TableCheck::checkRow(RowPointer address, PageNumber dataPage, ByteView byte
                     highestAutoNumber_ = std::max<std::int64_t>(highestAutoNumber_, *number);
                 }
             } else if (const auto slot = row.raw(column)) {
-                const auto maps = std::find_if(longColumns_.begin(), longColumns_.end(),
-                                               [&](const LongColumn& each) { return each.number == column.number; });
-                if (maps != longColumns_.end()) {
-                    checkLongValue(*maps, *slot);
+                const auto values =
+                    std::find_if(longColumns_.begin(), longColumns_.end(),
+                                 [&](const LongValueCheck& each) { return each.columnNumber() == column.number; });
+                if (values != longColumns_.end()) {
+                    values->follow(*slot);
                 }
                 static_cast<void>(readValue(*pager_, row, column));
             }
@@ -306,58 +277,14 @@ void TableCheck::checkRow(RowPointer address, PageNumber dataPage, ByteView byte
     }
 }
 
-/// Follows a long value from part to part. Each part is entered as used, so that no part is read for two values and no
-/// chain is followed in a circle.
-void TableCheck::checkLongValue(LongColumn& column, ByteView slot)
-{
-    const LongValue value = decodeLongValue(slot);
-    if (value.storage == LongValue::Storage::Inline) {
-        return;
-    }
-    const bool chained = value.storage == LongValue::Storage::Chain;
-    std::size_t remaining = value.length;
-    RowPointer part = value.first;
-    do {
-        if (!ledger_->has(part.page, PageLedger::Use::LongValues, column.owner)) {
-            throw Error(ErrorCode::Corrupt,
-                        "its long value is at " + addressText(part) + ", which is not a long-value page of the column");
-        }
-        const PageRef content = pager_->read(part.page);
-        const DataPage data(*content, part.page);
-        if (part.row >= data.slotCount() || data.kind(part.row) != SlotKind::Row) {
-            throw Error(ErrorCode::Corrupt, "its long value is at " + addressText(part) + ", where nothing is");
-        }
-        if (!column.used.insert(part)) {
-            throw Error(ErrorCode::Corrupt, "its long value is at " + addressText(part) + ", which has another use");
-        }
-        const ByteView bytes = data.bytes(part.row);
-        const std::size_t length = bytes.size() - (chained ? std::min(bytes.size(), kRowPointerSize) : 0);
-        if (length == 0 && remaining > 0) {
-            throw Error(ErrorCode::Corrupt, "its long value has an empty part at " + addressText(part));
-        }
-        remaining -= std::min(remaining, length);
-        if (!chained && remaining > 0) {
-            throw Error(ErrorCode::Corrupt, "its long value at " + addressText(part) + " is too short");
-        }
-        part = chained ? getRowPointer(bytes, 0) : part;
-    } while (remaining > 0);
-}
-
 void TableCheck::checkUnreferencedLongValues()
 {
     if (!rowsAreSound_) {
         return; // what a row that cannot be read refers to is unknown
     }
-    for (const LongColumn& column : longColumns_) {
-        for (const PageNumber page : column.pages) {
-            const PageRef content = pager_->read(page);
-            const DataPage data(*content, page);
-            for (std::size_t slot = 0; slot < data.slotCount(); ++slot) {
-                const RowPointer row{.page = page, .row = static_cast<std::uint8_t>(slot)};
-                if (data.kind(slot) != SlotKind::Deleted && !column.used.contains(row)) {
-                    leftover(page, rowText(row.row) + " is part of no long value");
-                }
-            }
+    for (const LongValueCheck& column : longColumns_) {
+        for (const RowPointer& row : column.unused()) {
+            leftover(row.page, rowText(row.row) + " is part of no long value");
         }
     }
 }
@@ -411,7 +338,7 @@ void TableCheck::checkIndex(std::size_t position)
     RowSet entries;
     Bytes previous;
     const auto checkEntry = [&](ByteView key, RowPointer row) {
-        const std::string where = addressText(row);
+        const std::string where = wordsFor(row);
         if (!rows_.contains(row)) {
             damage(index.root, name + " has an entry for " + where + ", where no row is");
             return;
@@ -437,7 +364,7 @@ void TableCheck::checkIndex(std::size_t position)
         previous = expected.bytes;
     };
     const auto faults = tree.check([&](ByteView key, RowPointer row) {
-        guard(index.root, name + ", entry for " + addressText(row), [&] { checkEntry(key, row); });
+        guard(index.root, name + ", entry for " + wordsFor(row), [&] { checkEntry(key, row); });
     });
     for (const TreeFault& fault : faults) {
         damage(fault.page, name + ": " + fault.text);
@@ -449,7 +376,7 @@ void TableCheck::checkIndex(std::size_t position)
         const RowPointer address = rows.row().address;
         const bool wanted = !index.ignoresNulls() || (encoder.canEncode() && !keyOf(rows.row()).allNull);
         if (wanted && !entries.contains(address)) {
-            damage(index.root, name + " has no entry for " + addressText(address));
+            damage(index.root, name + " has no entry for " + wordsFor(address));
         }
     }
 }

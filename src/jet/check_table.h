@@ -2,6 +2,7 @@
 #pragma once
 
 #include "jet/check_ledger.h"
+#include "jet/check_long_values.h"
 #include "jet/format/row_codec.h"
 #include "jet/format/table_definition.h"
 
@@ -31,13 +32,6 @@ public:
     [[nodiscard]] bool isSound() const { return sound_; }
 
 private:
-    struct LongColumn {
-        std::uint16_t number = 0;
-        std::uint32_t owner = 0;
-        RowSet used; ///< rows of long-value pages that a table row refers to
-        std::vector<PageNumber> pages;
-    };
-
     void damage(PageNumber page, const std::string& text);
     void leftover(PageNumber page, const std::string& text);
     bool guard(PageNumber page, const std::string& what, const std::function<void()>& function);
@@ -55,7 +49,6 @@ private:
     void checkPointer(RowPointer address, RowPointer target, const RowSink& sink);
     void checkMovedRows();
     void checkRow(RowPointer address, PageNumber dataPage, ByteView bytes, const RowSink& sink);
-    void checkLongValue(LongColumn& column, ByteView slot);
     void checkUnreferencedLongValues();
     void checkCounters();
     void checkIndexes();
@@ -73,7 +66,7 @@ private:
     bool rowsAreSound_ = false;
 
     std::vector<PageNumber> dataPages_;
-    std::vector<LongColumn> longColumns_;
+    std::vector<LongValueCheck> longColumns_;
     std::vector<std::uint32_t> indexOwners_;
     RowSet rows_;    ///< all rows, by address
     RowSet badRows_; ///< those that cannot be read in full

@@ -61,14 +61,14 @@ const std::vector<Breakage> kCatalogue{
                              [](TableDefinition& table) { table.columns[1].number = table.columns[0].number; });
          return diary.page("Meals");
      },
-     "Table \"Meals\": "},
+     "Table \"Meals\": its definition cannot be read: Two columns of a table have the number 0"},
     {"IndexOnNoColumn",
      [](BreakableDiary& diary) -> PageNumber {
          diary.setDefinition("Meals",
                              [](TableDefinition& table) { table.realIndexes[1].columns[0].columnNumber = 40; });
          return diary.page("Meals");
      },
-     "Table \"Meals\": "},
+     "Table \"Meals\": its definition cannot be read: An index names a column that its table does not have"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Catalogue, BrokenFile, testing::ValuesIn(kCatalogue), nameOfBreakage);
