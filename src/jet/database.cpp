@@ -8,8 +8,6 @@
 #include "jet/disk/unfinished_file.h"
 #include "jet/format/at_page.h"
 #include "jet/format/header_page.h"
-#include "jet/format/text_key.h"
-#include "jet/format/utf.h"
 #include "jet/names.h"
 #include "jet/new_file.h"
 #include "jet/new_relationship.h"
@@ -40,14 +38,6 @@ void requireSound(Pager& pager, const std::string& what)
     }
 }
 
-/// The same for names that differ in case alone.
-[[nodiscard]] Bytes foldedName(const std::string& name)
-{
-    Bytes key;
-    appendTextKey(toUtf16(name), true, key);
-    return key;
-}
-
 } // namespace
 
 class Database::Implementation
@@ -61,7 +51,7 @@ public:
     FileSystem& fileSystem;
     Pager pager;
     Catalogue catalogue;
-    std::map<Bytes, std::unique_ptr<TableHandle>> handles; ///< by folded name
+    std::map<std::string, std::unique_ptr<TableHandle>> handles; ///< by name as the catalogue spells it
 };
 
 Database::Database(std::unique_ptr<Implementation> implementation) : implementation_(std::move(implementation)) {}
@@ -113,7 +103,7 @@ Table& Database::table(const std::string& name)
     if (!entry.has_value() || !entry->is(ObjectType::Table)) {
         throw Error(ErrorCode::NoSuchObject, "There is no table called \"" + name + "\" in this file");
     }
-    std::unique_ptr<TableHandle>& handle = implementation_->handles[foldedName(name)];
+    std::unique_ptr<TableHandle>& handle = implementation_->handles[entry->name];
     if (handle == nullptr) {
         handle = std::make_unique<TableHandle>(implementation_->catalogue, *entry);
     }
