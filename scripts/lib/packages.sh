@@ -1,7 +1,7 @@
 # Installs Debian packages that are missing. Sourced by the scripts beside this folder.
 
 build_packages="g++ cmake ninja-build qt6-base-dev libgl-dev libsqlite3-dev fonts-dejavu-core"
-test_packages="libgtest-dev libgmock-dev mdbtools xvfb xauth poppler-utils"
+test_packages="libgtest-dev libgmock-dev mdbtools xvfb xauth poppler-utils mold"
 
 # install_missing PACKAGE...: does nothing, and needs no rights, when all are there.
 install_missing() {
