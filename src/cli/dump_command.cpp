@@ -27,7 +27,7 @@ ExitStatus dump(const Call& call)
                                     QStringLiteral("Cannot find the table or query '%1'.").arg(name));
     }
     data::Recordset records = database.openRecordset(name);
-    writeRecords(records, call.output);
+    writeRecords(database, records, call.output);
     return ExitStatus::Done;
 }
 

@@ -25,7 +25,7 @@ ExitStatus sql(const Call& call)
         return ExitStatus::Done;
     }
     data::Recordset records = database.openRecordset(text);
-    writeRecords(records, call.output);
+    writeRecords(database, records, call.output);
     return ExitStatus::Done;
 }
 

@@ -30,6 +30,32 @@ QString dateColumn(runtime::Date date)
     }
 }
 
+QString lineOf(const data::Recordset& records)
+{
+    QStringList columns;
+    for (int position = 0; position < records.fieldCount(); ++position) {
+        columns.append(column(records.value(position), records.field(position).type));
+    }
+    return columns.join(u'\t');
+}
+
+/// The next records, under one lock: to lock the file takes longer than to read a record.
+void readLines(data::Database& database, data::Recordset& records, QStringList& lines)
+{
+    constexpr qsizetype kMostLines = 500;
+    const data::Database::Reading reading(database);
+    for (; !records.eof() && lines.size() < kMostLines; records.moveNext()) {
+        lines.append(lineOf(records));
+    }
+}
+
+void writeLines(const QStringList& lines, Output& output)
+{
+    for (const QString& line : lines) {
+        output.writeLine(line);
+    }
+}
+
 } // namespace
 
 QString escaped(const QString& text)
@@ -69,19 +95,22 @@ QString column(const runtime::Value& value, data::FieldType type)
     return escaped(runtime::toText(value));
 }
 
-void writeRecords(data::Recordset& records, Output& output)
+void writeRecords(data::Database& database, data::Recordset& records, Output& output)
 {
-    QStringList columns;
+    QStringList names;
     for (int position = 0; position < records.fieldCount(); ++position) {
-        columns.append(escaped(records.field(position).name));
+        names.append(escaped(records.field(position).name));
     }
-    output.writeLine(columns.join(u'\t'));
+    output.writeLine(names.join(u'\t'));
     while (!records.eof()) {
-        for (int position = 0; position < records.fieldCount(); ++position) {
-            columns[position] = column(records.value(position), records.field(position).type);
+        QStringList lines;
+        try {
+            readLines(database, records, lines);
+        } catch (const runtime::RunTimeError&) {
+            writeLines(lines, output);
+            throw;
         }
-        output.writeLine(columns.join(u'\t'));
-        records.moveNext();
+        writeLines(lines, output);
     }
 }
 

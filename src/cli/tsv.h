@@ -1,7 +1,7 @@
 // Recordsets as lines of tab-separated values, for other programs to read.
 #pragma once
 
-#include "data/recordset.h"
+#include "data/database.h"
 #include "runtime/value.h"
 
 #include <QString>
@@ -18,7 +18,8 @@ class Output;
 /// with a point; true and false are True and False; bytes are hexadecimal digits.
 [[nodiscard]] QString column(const runtime::Value& value, data::FieldType type);
 
-/// A line with the fields' names, then the records, read to the end.
-void writeRecords(data::Recordset& records, Output& output);
+/// A line with the fields' names, then the records, read to the end. The file is locked while some hundred records are
+/// read and never while the output takes them. When a record cannot be read, those before it have been written.
+void writeRecords(data::Database& database, data::Recordset& records, Output& output);
 
 } // namespace cli

@@ -1,5 +1,9 @@
 #include "cli/tsv.h"
 
+#include "cli/output.h"
+#include "runtime/run_time_error.h"
+#include "support/test_diary.h"
+
 #include <QLocale>
 
 #include <gtest/gtest.h>
@@ -46,6 +50,23 @@ TEST(Tsv, OtherValues)
     EXPECT_EQ(shown(true, FieldType::Boolean), "True");
     EXPECT_EQ(shown(false, FieldType::Boolean), "False");
     EXPECT_EQ(shown(QByteArray("\x01\xfe", 2), FieldType::Binary), "01fe");
+}
+
+TEST(Tsv, RecordsBeforeOneThatCannotBeReadAreWritten)
+{
+    TestDiary diary;
+    for (const double level : {4.5, 5.5, 6.5}) {
+        diary.addReading(QStringLiteral("05/03/2002 07:30"), level, 1);
+    }
+    data::Database database(diary.path());
+    data::Recordset readings = database.openRecordset(QStringLiteral("select BloodSugerLevel from BloodSugarLevels"));
+    data::Database(diary.path()).execute(QStringLiteral("Delete * from BloodSugarLevels where BloodSugerLevel = 6.5"));
+
+    Output output;
+    testing::internal::CaptureStdout();
+    EXPECT_THROW(writeRecords(database, readings, output), runtime::RunTimeError);
+    output.flush();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "BloodSugerLevel\n4.5\n5.5\n");
 }
 
 } // namespace
