@@ -26,6 +26,8 @@ struct Recordset::State {
         }
     }
 
+    [[nodiscard]] bool isAtEnd() const { return place == Place::Nowhere || place == Place::AfterLast; }
+
     void requireRecord() const
     {
         if (place != Place::OnRecord) {
@@ -72,8 +74,7 @@ bool Recordset::bof() const
 
 bool Recordset::eof() const
 {
-    const State::Place place = open().place;
-    return place == State::Place::Nowhere || place == State::Place::AfterLast;
+    return open().isAtEnd();
 }
 
 void Recordset::moveFirst()
@@ -93,7 +94,7 @@ void Recordset::moveLast()
 void Recordset::moveNext()
 {
     State& state = open();
-    if (eof()) {
+    if (state.isAtEnd()) {
         throw RunTimeError(ErrorNumber::NoCurrentRecord);
     }
     state.beginMove();
@@ -168,13 +169,17 @@ const Field& Recordset::field(const QString& name) const
 
 runtime::Value Recordset::value(int position) const
 {
-    static_cast<void>(field(position));
     const State& state = open();
-    if (const auto changed = state.values.find(position); changed != state.values.end()) {
-        return changed->second;
+    if (position < 0 || position >= static_cast<int>(state.source->fields().size())) {
+        throw RunTimeError(ErrorNumber::ItemNotFound);
     }
-    if (state.change == State::Change::Add) {
-        return runtime::Null{};
+    if (state.change != State::Change::None) {
+        if (const auto changed = state.values.find(position); changed != state.values.end()) {
+            return changed->second;
+        }
+        if (state.change == State::Change::Add) {
+            return runtime::Null{};
+        }
     }
     state.requireRecord();
     return state.source->value(state.row, position);

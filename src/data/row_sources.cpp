@@ -2,6 +2,7 @@
 
 #include "data/change_announcement.h"
 #include "data/engine/error_translation.h"
+#include "data/engine/row_sorter.h"
 #include "data/engine/session.h"
 #include "data/engine/snapshot.h"
 #include "data/engine/value_conversion.h"
@@ -24,13 +25,16 @@ public:
         for (const OutputColumn& column : query.columns) {
             fields_.push_back({column.name, column.type.type.value_or(FieldType::Text), column.type.size});
         }
+        RowSorter sorter(query.order);
         session_->connection().run(query.rows, [&](const ResultRow& row) {
             for (std::size_t i = 0; i < query.columns.size(); ++i) {
-                const runtime::Value value = row.value(static_cast<int>(i));
-                const ExpressionType type = query.columns[i].type;
-                rows_.append(type.isKnown() ? asFieldType(value, *type.type) : value);
+                row.copyTo(rows_, static_cast<int>(i), query.columns[i].type.type);
             }
+            sorter.add(row);
         });
+        if (const std::vector<qsizetype> places = sorter.sorted(); !places.empty()) {
+            rows_.arrange(places);
+        }
     }
 
     void requireOpen() const override { static_cast<void>(session_->database()); }

@@ -270,6 +270,32 @@ TEST_F(SelectStatement, AnAliasCanBeUsedInLaterColumns)
     EXPECT_EQ(errorOf(SQL("SELECT MealNo * 2 AS a FROM Meals WHERE a = 4")), 3061);
 }
 
+TEST_F(SelectStatement, ComputedNullsComeFirstInAscendingOrderAndLastInDescending)
+{
+    const QString sql = SQL("SELECT BloodSugerNo + 0 FROM BloodSugarLevels "
+                            "ORDER BY IIf(BloodSugerNo = 3, Null, IIf(BloodSugerNo > 5, 0, -BloodSugerNo))");
+    EXPECT_EQ(rows(sql), SQL("3 | 5 | 4 | 2 | 1 | 6 | 7"));
+    EXPECT_EQ(rows(sql + SQL(" DESC")), SQL("6 | 7 | 1 | 2 | 4 | 5 | 3"));
+}
+
+TEST_F(SelectStatement, ComputedTextsAreOrderedWithoutRegardToCase)
+{
+    EXPECT_EQ(rows(SQL("SELECT MealNo + 0 FROM Meals ORDER BY Mid('bCaB', MealNo, 1)")), SQL("3 | 1 | 4 | 2"));
+}
+
+TEST_F(SelectStatement, TrueComesBeforeFalseAndTheNextTermDecidesAmongEqualOnes)
+{
+    EXPECT_EQ(rows(SQL("SELECT BloodSugerNo + 0 FROM BloodSugarLevels ORDER BY BloodSugerNo < 3, BloodSugerNo DESC")),
+              SQL("2 | 1 | 7 | 6 | 5 | 4 | 3"));
+}
+
+TEST_F(SelectStatement, AKeyThatNoFoodCanHaveJoinsWithNone)
+{
+    EXPECT_EQ(rows(SQL("SELECT Count(N.NDB_No) FROM MealContent AS C LEFT JOIN NutritionalInformation AS N "
+                       "ON C.NDB_No + 4000000000 = N.NDB_No")),
+              SQL("0"));
+}
+
 TEST_F(SelectStatement, EqualRowsKeepTheOrderOfEntryWhateverThePlanIs)
 {
     EXPECT_EQ(rows(SQL("SELECT BloodSugerNo FROM BloodSugarLevels ORDER BY ReadingTime")),

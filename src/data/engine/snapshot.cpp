@@ -22,39 +22,70 @@ quint64 placeOf(std::size_t begin, qsizetype length)
 
 } // namespace
 
+void Snapshot::put(quint8 kind, quint64 cell)
+{
+    kinds_.push_back(kind);
+    cells_.push_back(cell);
+}
+
+void Snapshot::append(qint32 value)
+{
+    put(kWhole, std::bit_cast<quint32>(value));
+}
+
+void Snapshot::append(double value)
+{
+    put(kNumber, std::bit_cast<quint64>(value));
+}
+
+void Snapshot::append(runtime::Date value)
+{
+    put(kDate, std::bit_cast<quint64>(value.days));
+}
+
+void Snapshot::append(QStringView value)
+{
+    const quint64 place = placeOf(texts_.size(), value.size());
+    texts_.append(value.utf16(), static_cast<std::size_t>(value.size()));
+    put(kText, place);
+}
+
 void Snapshot::append(const runtime::Value& value)
 {
-    quint64 cell = 0;
     switch (value.index()) {
     case kBoolean:
-        cell = std::get<bool>(value) ? 1 : 0;
-        break;
+        return put(kBoolean, std::get<bool>(value) ? 1 : 0);
     case kWhole:
-        cell = std::bit_cast<quint32>(std::get<qint32>(value));
-        break;
+        return append(std::get<qint32>(value));
     case kNumber:
-        cell = std::bit_cast<quint64>(std::get<double>(value));
-        break;
+        return append(std::get<double>(value));
     case kDate:
-        cell = std::bit_cast<quint64>(std::get<runtime::Date>(value).days);
-        break;
-    case kText: {
-        const QString& text = std::get<QString>(value);
-        cell = placeOf(texts_.size(), text.size());
-        texts_.append(reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size()));
-        break;
-    }
+        return append(std::get<runtime::Date>(value));
+    case kText:
+        return append(QStringView(std::get<QString>(value)));
     case kBytes: {
         const QByteArray& bytes = std::get<QByteArray>(value);
-        cell = placeOf(static_cast<std::size_t>(bytes_.size()), bytes.size());
+        const quint64 place = placeOf(static_cast<std::size_t>(bytes_.size()), bytes.size());
         bytes_.append(bytes);
-        break;
+        return put(kBytes, place);
     }
     default:
-        break;
+        return put(kNull, 0);
     }
-    kinds_.push_back(static_cast<quint8>(value.index()));
-    cells_.push_back(cell);
+}
+
+void Snapshot::arrange(const std::vector<qsizetype>& rows)
+{
+    std::deque<quint8> kinds;
+    std::deque<quint64> cells;
+    for (const qsizetype row : rows) {
+        const auto first = row * static_cast<qsizetype>(columns_);
+        const auto last = first + static_cast<qsizetype>(columns_);
+        kinds.insert(kinds.end(), kinds_.begin() + first, kinds_.begin() + last);
+        cells.insert(cells.end(), cells_.begin() + first, cells_.begin() + last);
+    }
+    kinds_ = std::move(kinds);
+    cells_ = std::move(cells);
 }
 
 qsizetype Snapshot::rowCount() const

@@ -1,9 +1,12 @@
 #include "data/engine/sql_connection.h"
 
 #include "data/engine/sqlite_value.h"
+#include "data/engine/value_conversion.h"
 #include "runtime/run_time_error.h"
 
 #include <QStringList>
+
+#include <cmath>
 
 namespace data {
 namespace {
@@ -21,6 +24,32 @@ struct Finalize {
 };
 using StatementHandle = std::unique_ptr<sqlite3_stmt, Finalize>;
 
+/// Appends a value that is of the field's type already, which nearly all are; false where it has to be converted.
+bool appendedAsItIs(Snapshot& rows, sqlite3_value* value, FieldType type)
+{
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_FLOAT: {
+        const double number = sqlite3_value_double(value);
+        const bool isDate = type == FieldType::Date;
+        const bool isNumber = type == FieldType::Double && std::isfinite(number) && sqlite3_value_subtype(value) == 0;
+        if (isDate) {
+            rows.append(runtime::Date{number});
+        } else if (isNumber) {
+            rows.append(number);
+        }
+        return isDate || isNumber;
+    }
+    case SQLITE_TEXT:
+        if (type == FieldType::Text || type == FieldType::Memo) {
+            rows.append(textOf(value));
+            return true;
+        }
+        return false;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 runtime::Value ResultRow::value(int column) const
@@ -31,6 +60,16 @@ runtime::Value ResultRow::value(int column) const
 qint64 ResultRow::number(int column) const
 {
     return sqlite3_column_int64(statement_, column);
+}
+
+void ResultRow::copyTo(Snapshot& rows, int column, std::optional<FieldType> type) const
+{
+    sqlite3_value* value = sqlite3_column_value(statement_, column);
+    if (type && appendedAsItIs(rows, value, *type)) {
+        return;
+    }
+    const runtime::Value general = valueOf(value);
+    rows.append(type ? asFieldType(general, *type) : general);
 }
 
 SqlConnection::SqlConnection() : functions_(pending_)

@@ -1,6 +1,7 @@
 // The SQLite connection that runs queries over the file's tables.
 #pragma once
 
+#include "data/engine/snapshot.h"
 #include "data/engine/sqlite_functions.h"
 #include "data/engine/table_module.h"
 #include "data/language/sql_translator.h"
@@ -17,6 +18,8 @@ public:
     explicit ResultRow(sqlite3_stmt* statement) : statement_(statement) {}
     [[nodiscard]] runtime::Value value(int column) const;
     [[nodiscard]] qint64 number(int column) const;
+    /// Appends the value, as one of the field's type where that is known, to rows that are kept.
+    void copyTo(Snapshot& rows, int column, std::optional<FieldType> type) const;
 
 private:
     sqlite3_stmt* statement_;

@@ -1,5 +1,7 @@
 #include "data/engine/sqlite_value.h"
 
+#include "data/engine/value_conversion.h"
+
 #include <limits>
 
 namespace data {
@@ -7,13 +9,6 @@ namespace {
 
 /// SQLite copies what it is given; the C macro for that is a cast.
 const sqlite3_destructor_type kCopies = reinterpret_cast<sqlite3_destructor_type>(-1);
-
-QString textOf(sqlite3_value* value)
-{
-    const void* text = sqlite3_value_text16(value); // before the length, which it may change
-    const int bytes = sqlite3_value_bytes16(value);
-    return QString(static_cast<const QChar*>(text), bytes / static_cast<int>(sizeof(QChar)));
-}
 
 QByteArray bytesOf(sqlite3_value* value)
 {
@@ -39,6 +34,29 @@ struct SetResult {
     }
 };
 
+/// Nearly all values of a diary need no conversion, and a text no copy in between.
+struct SetFileResult {
+    sqlite3_context* context;
+
+    void operator()(jet::Null) const { sqlite3_result_null(context); }
+    void operator()(bool value) const { sqlite3_result_int(context, value ? -1 : 0); }
+    void operator()(std::uint8_t value) const { sqlite3_result_int(context, value); }
+    void operator()(std::int16_t value) const { sqlite3_result_int(context, value); }
+    void operator()(std::int32_t value) const { sqlite3_result_int(context, value); }
+    void operator()(float value) const { sqlite3_result_double(context, double{value}); }
+    void operator()(double value) const { sqlite3_result_double(context, value); }
+    void operator()(jet::DateTime value) const { sqlite3_result_double(context, value.days); }
+    void operator()(const std::u16string& value) const
+    {
+        sqlite3_result_text16(context, value.data(), static_cast<int>(value.size() * sizeof(char16_t)), kCopies);
+    }
+    template <typename Other>
+    void operator()(const Other& value) const
+    {
+        setResult(context, fromFile(value));
+    }
+};
+
 struct Bind {
     sqlite3_stmt* statement;
     int number;
@@ -61,6 +79,13 @@ struct Bind {
 
 } // namespace
 
+QStringView textOf(sqlite3_value* value)
+{
+    const void* text = sqlite3_value_text16(value); // before the length, which it may change
+    const int bytes = sqlite3_value_bytes16(value);
+    return {static_cast<const QChar*>(text), bytes / static_cast<int>(sizeof(QChar))};
+}
+
 runtime::Value valueOf(sqlite3_value* value)
 {
     const unsigned subtype = sqlite3_value_subtype(value);
@@ -82,7 +107,7 @@ runtime::Value valueOf(sqlite3_value* value)
         return subtype == kDateSubtype ? runtime::Value(runtime::Date{number}) : runtime::Value(number);
     }
     case SQLITE_TEXT:
-        return textOf(value);
+        return textOf(value).toString();
     case SQLITE_BLOB:
         return bytesOf(value);
     default:
@@ -93,6 +118,11 @@ runtime::Value valueOf(sqlite3_value* value)
 void setResult(sqlite3_context* context, const runtime::Value& value)
 {
     std::visit(SetResult{context}, value);
+}
+
+void setResult(sqlite3_context* context, const jet::Value& value)
+{
+    std::visit(SetFileResult{context}, value);
 }
 
 int bindParameter(sqlite3_stmt* statement, int number, const runtime::Value& value)

@@ -2,6 +2,7 @@
 
 #include "data/engine/search_key.h"
 #include "data/engine/sqlite_value.h"
+#include "data/engine/table_cursor.h"
 #include "data/engine/value_conversion.h"
 #include "data/language/translation.h"
 
@@ -16,12 +17,9 @@ struct VirtualTable : sqlite3_vtab {
 };
 
 struct VirtualCursor : sqlite3_vtab_cursor {
-    explicit VirtualCursor(TableBinding& source) : sqlite3_vtab_cursor{}, binding(source) {}
+    explicit VirtualCursor(TableBinding& source) : sqlite3_vtab_cursor{}, binding(source), rows(source) {}
     TableBinding& binding;
-    std::unique_ptr<jet::RowCursor> rows;
-    bool atEnd = true;
-
-    void next() { atEnd = rows == nullptr || !rows->next(); }
+    TableCursor rows;
 };
 
 TableBinding& bindingOf(sqlite3_vtab* table)
@@ -181,45 +179,22 @@ int closeCursor(sqlite3_vtab_cursor* cursor)
     return SQLITE_OK;
 }
 
-std::unique_ptr<jet::RowCursor> rowsOf(const TableBinding& binding, int number, std::string_view codes,
-                                       const std::vector<runtime::Value>& values)
-{
-    if (number == 0) {
-        return binding.table.scan();
-    }
-    const auto realIndex = static_cast<std::size_t>((number & ~IndexPlan::kBackwards) - 1);
-    const auto index = std::find_if(binding.indexes.begin(), binding.indexes.end(),
-                                    [&](const SearchableIndex& candidate) { return candidate.realIndex == realIndex; });
-    std::vector<KeyPart> parts;
-    for (const SearchableIndex::Key& key : index->keys) {
-        parts.push_back({binding.columns[static_cast<std::size_t>(key.column)].type, key.ascending});
-    }
-    const std::optional<jet::KeyRange> range = keyRange(codes, values, parts);
-    return range ? binding.table.range(realIndex, *range, (number & IndexPlan::kBackwards) != 0) : nullptr;
-}
-
 int filter(sqlite3_vtab_cursor* base, int number, const char* codes, int count, sqlite3_value** arguments)
 {
     VirtualCursor& cursor = cursorOf(base);
-    return cursor.binding.pending.guard([&] {
-        std::vector<runtime::Value> values;
-        for (int i = 0; i < count; ++i) {
-            values.push_back(valueOf(arguments[i]));
-        }
-        cursor.rows = rowsOf(cursor.binding, number, codes, values);
-        cursor.next();
-    });
+    const std::span<sqlite3_value* const> values(arguments, static_cast<std::size_t>(count));
+    return cursor.binding.pending.guard([&] { cursor.rows.search(number, codes, values); });
 }
 
 int next(sqlite3_vtab_cursor* base)
 {
     VirtualCursor& cursor = cursorOf(base);
-    return cursor.binding.pending.guard([&] { cursor.next(); });
+    return cursor.binding.pending.guard([&] { cursor.rows.next(); });
 }
 
 int atEnd(sqlite3_vtab_cursor* cursor)
 {
-    return cursorOf(cursor).atEnd ? 1 : 0;
+    return cursorOf(cursor).rows.atEnd() ? 1 : 0;
 }
 
 int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int position)
@@ -228,9 +203,9 @@ int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int position)
     return cursor.binding.pending.guard([&] {
         const auto index = static_cast<std::size_t>(position);
         if (index >= cursor.binding.columns.size()) {
-            sqlite3_result_int64(context, rowIdOf(cursor.rows->row().address()));
+            sqlite3_result_int64(context, rowIdOf(cursor.rows.row().address()));
         } else {
-            setResult(context, fromFile(cursor.rows->row().value(cursor.binding.columns[index])));
+            setResult(context, cursor.rows.row().value(cursor.binding.columns[index]));
         }
     });
 }
@@ -238,7 +213,7 @@ int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int position)
 int rowId(sqlite3_vtab_cursor* base, sqlite3_int64* id)
 {
     VirtualCursor& cursor = cursorOf(base);
-    return cursor.binding.pending.guard([&] { *id = rowIdOf(cursor.rows->row().address()); });
+    return cursor.binding.pending.guard([&] { *id = rowIdOf(cursor.rows.row().address()); });
 }
 
 /// No xCreate: the module's name is the table's, and nothing has to be created.

@@ -31,8 +31,14 @@ Relation QueryTranslator::named(const QString& name)
     }
     for (const OrderTerm& term : source.order) {
         OrderTerm outside = term;
-        outside.sql = u'k' + QString::number(relation.order.size());
-        list.append(term.sql + QStringLiteral(" AS ") + outside.sql);
+        const auto shown = std::find_if(source.columns.begin(), source.columns.end(),
+                                        [&](const Source::Column& column) { return column.sql == term.sql; });
+        if (shown != source.columns.end()) {
+            outside.sql = u'c' + QString::number(shown - source.columns.begin());
+        } else {
+            outside.sql = u'k' + QString::number(relation.order.size());
+            list.append(term.sql + QStringLiteral(" AS ") + outside.sql);
+        }
         if (source.rows && source.rows->address == term.sql) {
             relation.rows = BaseRows{source.rows->table, outside.sql};
         }

@@ -16,21 +16,40 @@ void requireKnownNames(const TranslationState& state)
     }
 }
 
-SqlText textOf(const TranslationState& state, const Relation& relation, const QString& columns)
+SqlText textOf(const TranslationState& state, const QString& columns, const QString& source)
 {
     QString sql;
     if (!state.commonTables.isEmpty()) {
         sql = QStringLiteral("WITH ") + state.commonTables.join(QStringLiteral(", ")) + u' ';
     }
-    sql += QStringLiteral("SELECT %1 FROM (%2)%3").arg(columns, relation.sql, orderClause(relation.order));
+    sql += QStringLiteral("SELECT %1 FROM %2").arg(columns, source);
     return {sql, state.parameters};
+}
+
+SqlText addressesOf(const TranslationState& state, const Relation& relation)
+{
+    const QString source = QStringLiteral("(%1)%2").arg(relation.sql, orderClause(relation.order));
+    return textOf(state, relation.rows->address, source);
+}
+
+/// Behind the columns that are shown come those that nobody sees, in the order's order.
+std::vector<RowOrder> rowOrderOf(const Relation& relation)
+{
+    std::vector<RowOrder> order;
+    int hidden = static_cast<int>(relation.columns.size());
+    for (const OrderTerm& term : relation.order) {
+        const bool isShown = term.sql.startsWith(u'c');
+        order.push_back({isShown ? QStringView(term.sql).mid(1).toInt() : hidden++, term.descending});
+    }
+    return order;
 }
 
 TranslatedQuery finished(const TranslationState& state, const Relation& relation)
 {
     requireKnownNames(state);
     TranslatedQuery result;
-    result.rows = textOf(state, relation, columnList(relation));
+    result.rows = textOf(state, columnList(relation) + orderColumnList(relation), u'(' + relation.sql + u')');
+    result.order = rowOrderOf(relation);
     for (const RelationColumn& column : relation.columns) {
         result.columns.push_back({column.name, column.type});
     }
@@ -42,7 +61,7 @@ TranslatedQuery finished(const TranslationState& state, const Relation& relation
         for (const RelationColumn& column : relation.columns) {
             rows.columns.push_back(column.baseColumn);
         }
-        rows.addresses = textOf(state, relation, relation.rows->address);
+        rows.addresses = addressesOf(state, relation);
         result.tableRows = std::move(rows);
     }
     return result;
@@ -78,7 +97,7 @@ TranslatedDelete translateDelete(const QString& sql, Catalogue& catalogue, const
     TranslationState state{catalogue, clock.now(), &sql};
     const Relation relation = QueryTranslator(state).rowsToDelete(*deletion);
     requireKnownNames(state);
-    return {relation.rows->table->name, textOf(state, relation, relation.rows->address)};
+    return {relation.rows->table->name, addressesOf(state, relation)};
 }
 
 } // namespace data

@@ -16,6 +16,12 @@ struct SqlText {
     std::vector<runtime::Value> parameters;
 };
 
+/// A column of the result that the rows are ordered by.
+struct RowOrder {
+    int column = 0;
+    bool descending = false;
+};
+
 struct OutputColumn {
     QString name;
     ExpressionType type;
@@ -29,8 +35,9 @@ struct TableRows {
 };
 
 struct TranslatedQuery {
-    SqlText rows;
+    SqlText rows; ///< in no order: who runs it sorts them
     std::vector<OutputColumn> columns;
+    std::vector<RowOrder> order; ///< by columns of `rows`, which has more of them than the query shows
     std::optional<TableRows> tableRows;
 };
 
