@@ -115,7 +115,8 @@ void compareAdding(ComparisonTable& table, const std::string& what, const std::s
                .theirs = [&] { return wallTimeOf([&] { theirs.add(); }); },
                .mostRatio = kMostRatio,
                .note = "a reading ours: " + ourWrites + "; theirs: " + theirWrites +
-                       "; SQLite with a rollback journal and synchronous=FULL",
+                       "; SQLite with a rollback journal and synchronous=FULL, "
+                       "which leaves the removal of the journal unsynced; ours syncs it",
                .rounds = kRounds});
     requireSameCount();
 }

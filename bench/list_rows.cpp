@@ -182,7 +182,7 @@ void compareList(ComparisonTable& table)
                .ours = [] { return memoryOfLine<OurList>(); },
                .theirs = [] { return memoryOfLine<QtList>(); },
                .mostRatio = {},
-               .note = "what the lines, their model and their view hold once shown, the text of 48 characters included",
+               .note = "what the lines, their model and their view hold once shown, texts of 46 characters included",
                .rounds = 1,
                .unit = Unit::Bytes});
 }
