@@ -354,6 +354,52 @@ TEST_F(Replacement, NeverMeetsTheJournalOfTheOldFile)
     EXPECT_GT(states, 35U);
 }
 
+/// Adds a meal and dies at that call.
+void insertMealAndDie(FileSystem& disk, std::size_t call)
+{
+    FaultFileSystem dying(disk);
+    dying.set({.at = call, .lasting = true});
+    EXPECT_THROW(insertMeal(*Database::open(dying, kDiary)), Error);
+}
+
+/// The call at which a program that adds a meal has taken its journal's name away, but not durably.
+std::size_t callAfterTheJournal(const MemoryFileSystem& disk)
+{
+    constexpr std::size_t kMost = 1000;
+    for (std::size_t call = 0; call < kMost; ++call) {
+        MemoryFileSystem other;
+        other.setContent(kDiary, disk.content(kDiary));
+        insertMealAndDie(other, call);
+        if (other.content(kDiary) != disk.content(kDiary) && !other.exists(kJournal)) {
+            return call;
+        }
+    }
+    ADD_FAILURE() << "at no call the meal is there and the journal gone";
+    return 0;
+}
+
+TEST_F(Replacement, NeverMeetsAJournalThatWasNotGoneForGood)
+{
+    const std::size_t death = callAfterTheJournal(disk);
+    const std::size_t states = forEachPowerFailure({
+        .prepare = [this](FileSystem& other) { prepare(other); },
+        .body =
+            [death](FileSystem& other) {
+                insertMealAndDie(other, death);
+                replaceByCopy(other);
+            },
+        .check =
+            [this](FileSystem& other, bool finished) {
+                if (contentOfFile(other, kDiary) == disk.content(kCopy)) {
+                    EXPECT_FALSE(other.exists(kJournal));
+                }
+                EXPECT_FALSE(finished && contentAt(other, kDiary) != before);
+                EXPECT_THAT(Database::open(other, kDiary)->check(), IsEmpty());
+            },
+    });
+    EXPECT_GT(states, 40U);
+}
+
 TEST(ReplacementOnDisk, IsNoticedByAnotherProcess)
 {
     const TemporaryFolder folder;
