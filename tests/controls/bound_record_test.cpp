@@ -1,6 +1,7 @@
 #include "controls/bound_record.h"
 
 #include "runtime/conversions.h"
+#include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
 #include <QFile>
@@ -21,17 +22,6 @@ QByteArray bytesOf(const QString& path)
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     return file.readAll();
-}
-
-template <typename Action>
-int errorOf(const Action& action)
-{
-    try {
-        static_cast<void>(action());
-        return 0;
-    } catch (const RunTimeError& error) {
-        return error.number();
-    }
 }
 
 /// Three readings: 5.1, 5.2 and 5.3 at 08:00, 09:00 and 10:00 of 5 March 2002, their types 1, 2 and 3.
@@ -176,9 +166,9 @@ TEST_F(BoundRecordTest, AnEmptyTableHasNoTextsAndNowhereToGo)
 
 TEST_F(BoundRecordTest, WhatCannotBeOpenedOrBoundIsAnError)
 {
-    EXPECT_EQ(errorOf([] { return BoundRecord("/nowhere/Nutrition.mdb", "BloodSugarLevels").count(); }), 3024);
-    EXPECT_EQ(errorOf([&] { return BoundRecord(diary.path(), "NoSuchTable").count(); }), 3078);
-    EXPECT_EQ(errorOf([&] { return record().bind("NoSuchField", "Nothing"); }), 3265);
+    EXPECT_EQ(errorNumberOf([] { return BoundRecord("/nowhere/Nutrition.mdb", "BloodSugarLevels").count(); }), 3024);
+    EXPECT_EQ(errorNumberOf([&] { return BoundRecord(diary.path(), "NoSuchTable").count(); }), 3078);
+    EXPECT_EQ(errorNumberOf([&] { return record().bind("NoSuchField", "Nothing"); }), 3265);
 }
 
 TEST_F(BoundRecordTest, AnEditIsStoredByTheMoveToAnotherRecord)
@@ -378,7 +368,7 @@ TEST_F(Shared, AfterSomebodyElsesChangeCancelShowsTheirs)
 {
     record().edit(mmol, "6.5");
     change(0, "BloodSugerLevel", 9.9);
-    EXPECT_EQ(errorOf([&] { return record().store(); }), 3197);
+    EXPECT_EQ(errorNumberOf([&] { return record().store(); }), 3197);
     record().cancel();
     EXPECT_EQ(texts(), "9.9 | 1 | 05/03/2002 08:00:00 | one");
 }
@@ -428,7 +418,7 @@ TEST_F(Shared, TheEditOfTheLastRecordWhenItIsDeletedShowsTheOneBefore)
     move(Move::Last);
     record().edit(mmol, "6.5");
     erase("ReadingType = 3");
-    EXPECT_EQ(errorOf([&] { return record().store(); }), 3167);
+    EXPECT_EQ(errorNumberOf([&] { return record().store(); }), 3167);
     EXPECT_EQ(texts(), "5.2 | 2 | 05/03/2002 09:00:00 | ");
     EXPECT_EQ(record().position(), 1);
 }
@@ -437,7 +427,7 @@ TEST_F(Shared, WhenAllRecordsAreDeletedTheBrowserIsEmpty)
 {
     record().edit(mmol, "6.5");
     erase("True");
-    EXPECT_EQ(errorOf([&] { return record().store(); }), 3167);
+    EXPECT_EQ(errorNumberOf([&] { return record().store(); }), 3167);
     EXPECT_TRUE(record().isEmpty());
     EXPECT_EQ(texts(), " |  |  | ");
     EXPECT_FALSE(record().canMove(Move::Next));
@@ -452,7 +442,7 @@ TEST_F(BoundRecordTest, AQueryOverSeveralTablesCanBeBrowsedAndNotChanged)
     EXPECT_FALSE(history.move(Move::Last));
     EXPECT_EQ(history.text(name).toStdString(), "Meal + 2");
     history.edit(name, "Meal");
-    EXPECT_EQ(errorOf([&] { return history.store(); }), 3027);
+    EXPECT_EQ(errorNumberOf([&] { return history.store(); }), 3027);
 }
 
 TEST_F(BoundRecordTest, ATimeThatIsNoneIsMarkedAndLeftAsItIs)

@@ -4,6 +4,7 @@
 #include "jet/database.h"
 #include "meals/known_foods.h"
 #include "runtime/run_time_error.h"
+#include "support/run_time_errors.h"
 
 #include <QTemporaryDir>
 
@@ -25,15 +26,9 @@ std::vector<std::string> foundBy(const DescribedFoods& diary, const QString& tex
     return descriptions;
 }
 
-runtime::RunTimeError errorOf(const DescribedFoods& diary, const QString& text)
+runtime::RunTimeError errorOfSearch(const DescribedFoods& diary, const QString& text)
 {
-    try {
-        static_cast<void>(searchFoods(diary.path(), text));
-    } catch (const runtime::RunTimeError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "the search ran";
-    return runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
+    return requiredErrorOf([&] { return searchFoods(diary.path(), text); });
 }
 
 TEST(FoodSearch, FindsATextAnywhereInADescription)
@@ -105,7 +100,7 @@ TEST(FoodSearch, WhatIsNoWildcardStandsForItself)
 TEST(FoodSearch, AnApostropheIsASyntaxErrorWhoseHintSaysWhatToDo)
 {
     const DescribedFoods diary({"BAKER'S BREAD", "BAKERS YEAST"});
-    const runtime::RunTimeError error = errorOf(diary, "baker's");
+    const runtime::RunTimeError error = errorOfSearch(diary, "baker's");
     EXPECT_EQ(error.number(), 3075);
     EXPECT_THAT(error.hint().toStdString(), testing::HasSubstr("apostrophe"));
     // What the hint advises:
@@ -122,7 +117,7 @@ TEST(FoodSearch, TheTextGoesIntoTheStatementAsTyped)
 TEST(FoodSearch, ABracketThatIsNotClosedIsAnErrorWhoseHintSaysWhatToDo)
 {
     const DescribedFoods diary({"MILK [RAW]"});
-    const runtime::RunTimeError error = errorOf(diary, "[raw");
+    const runtime::RunTimeError error = errorOfSearch(diary, "[raw");
     EXPECT_EQ(error.number(), 93);
     EXPECT_THAT(error.hint().toStdString(), testing::HasSubstr("[[]"));
 }

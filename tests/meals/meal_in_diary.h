@@ -5,13 +5,12 @@
 #include "meals/meal_sheet.h"
 #include "meals/meal_storage.h"
 #include "runtime/locale_in_force.h"
-#include "runtime/run_time_error.h"
 #include "support/diary_content.h"
+#include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -56,20 +55,9 @@ protected:
         return lines;
     }
 
-    /// What an action that must fail ends with.
-    static runtime::RunTimeError errorOf(const std::function<void()>& action)
-    {
-        try {
-            action();
-        } catch (const runtime::RunTimeError& error) {
-            return error;
-        }
-        ADD_FAILURE() << "no error";
-        return runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
-    }
     runtime::RunTimeError errorOfSaving()
     {
-        return errorOf([this] { save(); });
+        return requiredErrorOf([this] { return save(); });
     }
 
     LocaleInForce english{QLocale::English, QLocale::UnitedKingdom};

@@ -3,6 +3,7 @@
 #include "meals/known_foods.h"
 #include "runtime/locale_in_force.h"
 #include "runtime/run_time_error.h"
+#include "support/run_time_errors.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,20 +33,15 @@ protected:
 
     /// The number of the run-time error that the action raises; the sheet must stay as it was.
     template <typename Action>
-    int errorOf(Action action)
+    int errorNumber(const Action& action)
     {
         const std::vector<std::string> before = lines();
         const double carbohydrate = sheet.totalCarbohydrate();
-        int number = 0;
-        try {
-            action();
-        } catch (const runtime::RunTimeError& error) {
-            number = error.number();
-            hint = error.hint();
-        }
+        const auto error = errorOf(action);
+        hint = error ? error->hint() : QString();
         EXPECT_EQ(lines(), before);
         EXPECT_EQ(sheet.totalCarbohydrate(), carbohydrate);
-        return number;
+        return error ? error->number() : 0;
     }
 
     const LocaleInForce locale{kBritish};
@@ -266,43 +262,43 @@ TEST_F(MealSheetTest, TheHeadingAndTheTotalLinesDoNotBeginWithANumber)
 
 TEST_F(MealSheetTest, AnEmptyLineHasNoFirstColumn)
 {
-    EXPECT_EQ(errorOf([] { static_cast<void>(MealSheet::beginsWithNumber(QString())); }), 9);
+    EXPECT_EQ(errorNumber([] { static_cast<void>(MealSheet::beginsWithNumber(QString())); }), 9);
 }
 
 TEST_F(MealSheetTest, AQuantityThatIsNoNumberIsATypeMismatchAndAddsNothing)
 {
     add("100", KnownFoods::kRice);
     for (const char* text : {"", "abc", "12,5", "1.2.3"}) {
-        EXPECT_EQ(errorOf([&] { add(text, KnownFoods::kRice); }), 13) << text;
+        EXPECT_EQ(errorNumber([&] { add(text, KnownFoods::kRice); }), 13) << text;
         EXPECT_FALSE(hint.isEmpty());
     }
 }
 
 TEST_F(MealSheetTest, AFoodThatIsNotThereIsNoCurrentRecordAndAddsNothing)
 {
-    EXPECT_EQ(errorOf([&] { add("100", 0); }), 3021) << "as for the line that tells of a search without results";
-    EXPECT_EQ(errorOf([&] { add("100", 1002); }), 3021);
-    EXPECT_EQ(errorOf([&] { add("abc", 1002); }), 3021) << "the food is looked up first";
+    EXPECT_EQ(errorNumber([&] { add("100", 0); }), 3021) << "as for the line that tells of a search without results";
+    EXPECT_EQ(errorNumber([&] { add("100", 1002); }), 3021);
+    EXPECT_EQ(errorNumber([&] { add("abc", 1002); }), 3021) << "the food is looked up first";
 }
 
 TEST_F(MealSheetTest, ALineWithoutAFoodCannotBeChanged)
 {
     add("100", KnownFoods::kRice);
     for (const int number : {-1, 0, 1, 3, 4, 5, 6}) {
-        EXPECT_EQ(errorOf([&] { change(number, 0.5); }), 3021) << number;
+        EXPECT_EQ(errorNumber([&] { change(number, 0.5); }), 3021) << number;
     }
     const Food rice = foodNumbered(diary.path(), KnownFoods::kRice);
-    EXPECT_EQ(errorOf([&] { sheet.change(4, rice, 0.5); }), 9);
-    EXPECT_EQ(errorOf([&] { static_cast<void>(sheet.gramsAt(4)); }), 9);
+    EXPECT_EQ(errorNumber([&] { sheet.change(4, rice, 0.5); }), 9);
+    EXPECT_EQ(errorNumber([&] { static_cast<void>(sheet.gramsAt(4)); }), 9);
 }
 
 TEST_F(MealSheetTest, AQuantityBeyondAllNumbersIsAnOverflowAndAddsNothing)
 {
     add("100", KnownFoods::kButter);
-    EXPECT_EQ(errorOf([&] { add("1e999", KnownFoods::kRice); }), 6);
+    EXPECT_EQ(errorNumber([&] { add("1e999", KnownFoods::kRice); }), 6);
     // 1e306 x 717 kCal is more than the largest number, 1.8e308.
-    EXPECT_EQ(errorOf([&] { add("1e308", KnownFoods::kButter); }), 6);
-    EXPECT_EQ(errorOf([&] { change(2, 1e306); }), 6);
+    EXPECT_EQ(errorNumber([&] { add("1e308", KnownFoods::kButter); }), 6);
+    EXPECT_EQ(errorNumber([&] { change(2, 1e306); }), 6);
 }
 
 TEST_F(MealSheetTest, NumbersAreTypedAndShownAsTheLocaleHasThem)
@@ -314,7 +310,7 @@ TEST_F(MealSheetTest, NumbersAreTypedAndShownAsTheLocaleHasThem)
     EXPECT_EQ(line(4), "Total grams\t2,5\t0,1\t0,3");
     EXPECT_EQ(line(5), "Total kCal 12,5 Cholestrol - 0,0\t80%\t9%\t8%");
     EXPECT_EQ(sheet.gramsAt(2), 12.5);
-    EXPECT_EQ(errorOf([&] { add("12.5", KnownFoods::kRice); }), 13) << "the point is no decimal sign there";
+    EXPECT_EQ(errorNumber([&] { add("12.5", KnownFoods::kRice); }), 13) << "the point is no decimal sign there";
     add("7,25", KnownFoods::kRice);
     EXPECT_EQ(line(3), "7,3\tRice,white,ckd\t1,5\t0,1\t0,1");
     EXPECT_EQ(sheet.gramsAt(3), 7.3);

@@ -3,6 +3,7 @@
 #include "data/database.h"
 #include "meals/food_diary.h"
 #include "runtime/run_time_error.h"
+#include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
 #include <gmock/gmock.h>
@@ -33,16 +34,11 @@ NewFood stew()
 std::string kStewBehindItsNumber = "Stew | 120.5 | 7 | " + kNoHouseholdWeights + " | 1 | 0";
 
 /// The run-time error that adding the food raises; nothing may have been stored.
-runtime::RunTimeError errorOf(const FoodDiary& diary, const NewFood& food)
+runtime::RunTimeError errorOfSaving(const FoodDiary& diary, const NewFood& food)
 {
-    try {
-        SaveIngredient(diary.path(), food);
-    } catch (const runtime::RunTimeError& error) {
-        EXPECT_THAT(diary.addedFoods(), IsEmpty());
-        return error;
-    }
-    ADD_FAILURE() << "the food was added";
-    return runtime::RunTimeError(ErrorNumber::InvalidProcedureCall);
+    const runtime::RunTimeError error = requiredErrorOf([&] { return SaveIngredient(diary.path(), food); });
+    EXPECT_THAT(diary.addedFoods(), IsEmpty());
+    return error;
 }
 
 std::vector<std::string> textsOf(const QStringList& list)
@@ -140,14 +136,14 @@ TEST(NewFood, TakesTheLastNumberThereIsButNoneBelow)
 {
     constexpr qint32 smallest = std::numeric_limits<qint32>::min();
     EXPECT_EQ(SaveIngredient(smallDiary({smallest + 1}).path(), stew()), smallest);
-    const runtime::RunTimeError error = errorOf(smallDiary({smallest}), stew());
+    const runtime::RunTimeError error = errorOfSaving(smallDiary({smallest}), stew());
     EXPECT_EQ(error.code(), ErrorNumber::Overflow);
     EXPECT_EQ(error.hint().toStdString(), "No number is left for another food. Nothing was stored.");
 }
 
 TEST(NewFood, IsRefusedInADiaryWithoutFoods)
 {
-    EXPECT_EQ(errorOf(smallDiary({}), stew()).code(), ErrorNumber::InvalidUseOfNull);
+    EXPECT_EQ(errorOfSaving(smallDiary({}), stew()).code(), ErrorNumber::InvalidUseOfNull);
 }
 
 TEST(NewFood, HasFlagsThatAreIndependent)
@@ -202,7 +198,7 @@ TEST(NewFood, WithADescriptionLongerThanItsColumnIsRefused)
     const FoodDiary diary = smallDiary();
     NewFood food = stew();
     food.description = QString(21, u'x');
-    const runtime::RunTimeError error = errorOf(diary, food);
+    const runtime::RunTimeError error = errorOfSaving(diary, food);
     EXPECT_EQ(error.code(), ErrorNumber::FieldTooSmall);
     EXPECT_EQ(error.hint().toStdString(), "'Shrt_Desc' holds at most 20 characters.");
 
@@ -224,7 +220,7 @@ TEST(NewFood, WithATextThatIsNoNumberIsRefusedNamingTheColumn)
     for (const char* wrong : {"seven", " ", "7 g", "1.2.3"}) {
         NewFood food = stew();
         food.values[1].text = QLatin1String(wrong);
-        const runtime::RunTimeError error = errorOf(smallDiary(), food);
+        const runtime::RunTimeError error = errorOfSaving(smallDiary(), food);
         EXPECT_EQ(error.code(), ErrorNumber::TypeMismatch) << wrong;
         EXPECT_EQ(error.hint().toStdString(), "'Carbohydrt' takes no such value: type a number. Nothing was stored.");
     }
@@ -235,7 +231,7 @@ TEST(NewFood, WithAValueBeyondItsColumnIsRefusedNamingTheColumn)
     std::vector<jet::ColumnSpec> columns = usualColumns({"Energ_Kcal"});
     columns.push_back({"Stars", jet::ColumnType::Byte});
     const runtime::RunTimeError error =
-        errorOf({columns, {1001}}, {"Stew", false, false, {{"Energ_Kcal", "1"}, {"Stars", "256"}}});
+        errorOfSaving({columns, {1001}}, {"Stew", false, false, {{"Energ_Kcal", "1"}, {"Stars", "256"}}});
     EXPECT_EQ(error.code(), ErrorNumber::Overflow);
     EXPECT_THAT(error.hint().toStdString(), testing::HasSubstr("'Stars'"));
 }
@@ -244,7 +240,7 @@ TEST(NewFood, WithAValueForAColumnThatIsGoneIsRefused)
 {
     NewFood food = stew();
     food.values.append(NewFood::Value{"Iron", "1"});
-    EXPECT_EQ(errorOf(smallDiary(), food).code(), ErrorNumber::ItemNotFound);
+    EXPECT_EQ(errorOfSaving(smallDiary(), food).code(), ErrorNumber::ItemNotFound);
 }
 
 TEST(NewFood, TakesNumbersWithTheDecimalSignOfTheLocale)

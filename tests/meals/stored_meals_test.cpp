@@ -67,7 +67,7 @@ TEST_F(StoredMeals, NameDaysAndMonthsInTheUsersLanguage)
 
 TEST_F(StoredMeals, OfAnEmptyDiaryAreAnError)
 {
-    const runtime::RunTimeError error = errorOf([this] { static_cast<void>(storedMeals(path)); });
+    const runtime::RunTimeError error = requiredErrorOf([this] { static_cast<void>(storedMeals(path)); });
     EXPECT_EQ(error.number(), 3021);
     EXPECT_EQ(error.hint().toStdString(), "There is no stored meal yet.");
 }
@@ -77,11 +77,11 @@ TEST_F(StoredMeals, WithoutADoseOrATimeAreNamedByTheirNumber)
     addMeal("05/03/2024 12:00");
     addMeal("06/03/2024 12:00", 2, std::nullopt);
     const auto list = [this] { static_cast<void>(storedMeals(path)); };
-    EXPECT_EQ(errorOf(list).number(), 94);
-    EXPECT_EQ(errorOf(list).hint().toStdString(),
+    EXPECT_EQ(requiredErrorOf(list).number(), 94);
+    EXPECT_EQ(requiredErrorOf(list).hint().toStdString(),
               "The time or the insulin dose of meal number 2 is missing or out of range.");
     addMeal("");
-    EXPECT_EQ(errorOf(list).number(), 94);
+    EXPECT_EQ(requiredErrorOf(list).number(), 94);
 }
 
 using FetchedMeal = MealStorage;
@@ -138,7 +138,7 @@ TEST_F(FetchedMeal, ItsFoodsTakeThePlaceOfThoseInTheSheet)
 TEST_F(FetchedMeal, WithoutFoodsLeavesTheSheetEmpty)
 {
     reports::addMeal(path, {"05/03/2024 12:00", 2, 6, {}});
-    const runtime::RunTimeError error = errorOf([this] { fetchFoods(sheet, path, 1); });
+    const runtime::RunTimeError error = requiredErrorOf([this] { fetchFoods(sheet, path, 1); });
     EXPECT_EQ(error.number(), 3021);
     EXPECT_EQ(error.hint().toStdString(), "No foods are stored with this meal.");
     EXPECT_THAT(foodsInSheet(), IsEmpty());
@@ -148,7 +148,7 @@ TEST_F(FetchedMeal, WithoutFoodsLeavesTheSheetEmpty)
 TEST_F(FetchedMeal, WithAFoodThatIsNoLongerInTheTableIsNotFetchedInPart)
 {
     reports::addMeal(path, {"05/03/2024 12:00", 2, 6, {{kMilk, 200}, {4711, 10}, {kBread, 80}}});
-    const runtime::RunTimeError error = errorOf([this] { fetchFoods(sheet, path, 1); });
+    const runtime::RunTimeError error = requiredErrorOf([this] { fetchFoods(sheet, path, 1); });
     EXPECT_EQ(error.number(), 3021);
     EXPECT_THAT(error.hint().toStdString(), HasSubstr("4711"));
     EXPECT_EQ(refusalOf(entry, sheet), Refusal::NoFood);

@@ -5,6 +5,7 @@
 #include "readings/text_lines.h"
 #include "runtime/conversions.h"
 #include "support/file_size_limit.h"
+#include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
 #include <QFile>
@@ -47,15 +48,10 @@ protected:
     }
 
     /// The error of an import that must fail.
-    runtime::RunTimeError errorOf(const QByteArray& content, const QString& after = QString::fromLatin1(kLongAgo)) const
+    runtime::RunTimeError errorOfImport(const QByteArray& content,
+                                        const QString& after = QString::fromLatin1(kLongAgo)) const
     {
-        try {
-            import(content, after);
-        } catch (const runtime::RunTimeError& error) {
-            return error;
-        }
-        ADD_FAILURE() << "no error";
-        return runtime::RunTimeError(runtime::ErrorNumber::InvalidOperation);
+        return requiredErrorOf([&] { return import(content, after); });
     }
 
     /// What stopped an import, and the cut-off that goes on from there.
@@ -137,8 +133,8 @@ TEST_F(MeterImports, TakeTheReadingAsItStands)
 {
     EXPECT_EQ(import(" 05/03/2002, 08:15,5.6\n 05/03/2002, 08:16,  5.7 \n"), 2) << "no character of it is dropped";
     EXPECT_THAT(stored(), ElementsAre("5.6 | 05/03/2002 08:15:00 | 0 | ", "5.7 | 05/03/2002 08:16:00 | 0 | "));
-    EXPECT_EQ(errorOf("\"06/03/2002,\"08:15,\"5.6\n").number(), 13) << "a quotation mark is part of it";
-    EXPECT_EQ(errorOf("\"06/03/2002,\"08:15,\"5.6\"\n").number(), 13);
+    EXPECT_EQ(errorOfImport("\"06/03/2002,\"08:15,\"5.6\n").number(), 13) << "a quotation mark is part of it";
+    EXPECT_EQ(errorOfImport("\"06/03/2002,\"08:15,\"5.6\"\n").number(), 13);
     EXPECT_THAT(stored(), SizeIs(2));
 }
 
@@ -167,7 +163,8 @@ TEST_F(MeterImports, TakeALineWithoutATimeForMidnight)
 TEST_F(MeterImports, StopWithoutACutOffAtTheFirstReading)
 {
     for (const char* after : {"", "yesterday", "31/02/2002 08:00"}) {
-        const runtime::RunTimeError error = errorOf("Date\n 05/03/2002, 08:15, 5.6\n", QString::fromLatin1(after));
+        const runtime::RunTimeError error =
+            errorOfImport("Date\n 05/03/2002, 08:15, 5.6\n", QString::fromLatin1(after));
         EXPECT_EQ(error.number(), 13);
         EXPECT_EQ(error.hint().toStdString(), "The import stopped at line 2, \" 05/03/2002, 08:15, 5.6\". The cut-off "
                                               "\"" +
@@ -204,7 +201,7 @@ TEST_F(MeterImports, StopAtALineWithTooFewFieldsAndKeepWhatWasAdded)
 TEST_F(MeterImports, LookForTheReadingOnlyInALineAfterTheCutOff)
 {
     EXPECT_EQ(import(" 05/03/2002, 08:15\n 05/03/2002, 08:16, none\n", "05/03/2002 12:00"), 0);
-    EXPECT_EQ(errorOf(" 05/03/2002\n", "05/03/2002 12:00").number(), 9) << "there is no time to compare";
+    EXPECT_EQ(errorOfImport(" 05/03/2002\n", "05/03/2002 12:00").number(), 9) << "there is no time to compare";
 }
 
 TEST_F(MeterImports, StopAtAReadingThatIsNoNumberAndKeepWhatWasAdded)
@@ -215,17 +212,17 @@ TEST_F(MeterImports, StopAtAReadingThatIsNoNumberAndKeepWhatWasAdded)
         EXPECT_THROW(ImportReadings({fresh.path(), meterPath, QString::fromLatin1(kLongAgo)}), ImportStopped);
         EXPECT_THAT(storedReadings(fresh.path()), ElementsAre("5.6 | 05/03/2002 08:15:00 | 0 | ")) << text;
     }
-    const runtime::RunTimeError error = errorOf(" 05/03/2002, 08:15, HI\n");
+    const runtime::RunTimeError error = errorOfImport(" 05/03/2002, 08:15, HI\n");
     EXPECT_EQ(error.number(), 13);
     EXPECT_THAT(error.hint().toStdString(), HasSubstr("Its reading is not a number."));
-    EXPECT_EQ(errorOf(" 05/03/2002, 08:15, 1e999\n").number(), 6);
+    EXPECT_EQ(errorOfImport(" 05/03/2002, 08:15, 1e999\n").number(), 6);
 }
 
 TEST_F(MeterImports, StopAtAReadingThatNoNumberHolds)
 {
-    EXPECT_EQ(errorOf(" 05/03/2002, 08:15, 1e309\n").number(), 6);
-    EXPECT_EQ(errorOf(" 05/03/2002, 08:15, nan\n").number(), 13);
-    EXPECT_EQ(errorOf(" 05/03/2002, 08:15, -inf\n").number(), 13);
+    EXPECT_EQ(errorOfImport(" 05/03/2002, 08:15, 1e309\n").number(), 6);
+    EXPECT_EQ(errorOfImport(" 05/03/2002, 08:15, nan\n").number(), 13);
+    EXPECT_EQ(errorOfImport(" 05/03/2002, 08:15, -inf\n").number(), 13);
     EXPECT_THAT(stored(), IsEmpty());
     EXPECT_EQ(import(" 05/03/2002, 08:15, 1e308\n 05/03/2002, 08:16, -0\n"), 2);
     EXPECT_THAT(stored(), ElementsAre("1E+308 | 05/03/2002 08:15:00 | 0 | ", "0 | 05/03/2002 08:16:00 | 0 | "));
@@ -242,15 +239,15 @@ TEST_F(MeterImports, PassOverNullCharactersWhereNoReadingIs)
 {
     const QByteArray nulls(10, '\0');
     EXPECT_EQ(import(" 05/03/2002, 08:15, 5.6\n" + nulls + "\n 06/03/2002, 08:15, 6.6," + nulls + "\n"), 2);
-    EXPECT_EQ(errorOf(" 07/03/2002, 08:" + nulls + "15, 7.6\n").number(), 13);
-    EXPECT_EQ(errorOf(" 07/03/2002, 08:15, 7" + nulls + ".6\n").number(), 13);
+    EXPECT_EQ(errorOfImport(" 07/03/2002, 08:" + nulls + "15, 7.6\n").number(), 13);
+    EXPECT_EQ(errorOfImport(" 07/03/2002, 08:15, 7" + nulls + ".6\n").number(), 13);
     EXPECT_THAT(stored(), SizeIs(2));
 }
 
 TEST_F(MeterImports, StopAtATimeThatIsNone)
 {
     for (const char* time : {" 8 h", " 25:00", " \"08:15\"", " 08:15, 5.6"}) {
-        const runtime::RunTimeError error = errorOf(QByteArray(" 05/03/2002 08:15,") + time + ", 5.6\n");
+        const runtime::RunTimeError error = errorOfImport(QByteArray(" 05/03/2002 08:15,") + time + ", 5.6\n");
         EXPECT_EQ(error.number(), 13) << time;
         EXPECT_THAT(error.hint().toStdString(), HasSubstr("Its date and time together are not a moment.")) << time;
     }
@@ -275,7 +272,8 @@ TEST_F(MeterImports, StopWithTheSameCutOffWhenNothingWasAdded)
 
 TEST_F(MeterImports, NameALongLineByItsBeginning)
 {
-    const runtime::RunTimeError error = errorOf(" 05/03/2002, 08:15, \x01<b>LO</b>, " + QByteArray(1000, 'x') + "\n");
+    const runtime::RunTimeError error =
+        errorOfImport(" 05/03/2002, 08:15, \x01<b>LO</b>, " + QByteArray(1000, 'x') + "\n");
     EXPECT_THAT(error.hint().toStdString(), AllOf(HasSubstr("\" 05/03/2002, 08:15,  <b>LO</b>, xxxxx"),
                                                   HasSubstr("xxx...\". "), Not(HasSubstr(std::string(60, 'x')))));
 }
@@ -320,8 +318,8 @@ TEST_F(MeterImports, ReadEightBitCharactersOfBothKinds)
     EXPECT_EQ(import("Messger\xE4t\n 05/03/2002, 08:15, 5.6, f\xFCr\nMessger\xC3\xA4t\n"
                      " 06/03/2002, 08:15, 6.6, f\xC3\xBCr\n"),
               2);
-    EXPECT_THAT(errorOf(" 07/03/2002, 08:15, \xE9\n").hint().toStdString(), HasSubstr(", \u00E9\"."));
-    EXPECT_THAT(errorOf(" 07/03/2002, 08:15, \xC3\xA9\n").hint().toStdString(), HasSubstr(", \u00E9\"."));
+    EXPECT_THAT(errorOfImport(" 07/03/2002, 08:15, \xE9\n").hint().toStdString(), HasSubstr(", \u00E9\"."));
+    EXPECT_THAT(errorOfImport(" 07/03/2002, 08:15, \xC3\xA9\n").hint().toStdString(), HasSubstr(", \u00E9\"."));
 }
 
 TEST_F(MeterImports, RefuseSixteenBitCharacters)
@@ -333,7 +331,7 @@ TEST_F(MeterImports, RefuseSixteenBitCharacters)
         std::swap(big[i], big[i + 1]);
     }
     for (const QByteArray& content : {"\xFF\xFE" + little, "\xFE\xFF" + big, little, big}) {
-        const runtime::RunTimeError error = errorOf(content);
+        const runtime::RunTimeError error = errorOfImport(content);
         EXPECT_EQ(error.number(), 321);
         EXPECT_THAT(error.hint().toStdString(), HasSubstr("Save it as plain text"));
     }
@@ -351,8 +349,9 @@ TEST_F(MeterImports, NeverTakeAReadingThatALongLineCutsOff)
     const QByteArray start = " 05/03/2002, 08:15,";
     for (const qsizetype kept : {0, 1, 2, 3}) {
         const QByteArray blanks(TextLines::kMostBytes - start.size() - kept, ' ');
-        EXPECT_EQ(errorOf(start + blanks + "12.5\n").number(), 9) << kept << " of its characters are within the bounds";
-        EXPECT_EQ(errorOf(start + blanks + "12.5,\n").number(), 9) << kept;
+        EXPECT_EQ(errorOfImport(start + blanks + "12.5\n").number(), 9)
+            << kept << " of its characters are within the bounds";
+        EXPECT_EQ(errorOfImport(start + blanks + "12.5,\n").number(), 9) << kept;
     }
     EXPECT_THAT(stored(), IsEmpty());
     EXPECT_EQ(import(start + QByteArray(TextLines::kMostBytes - start.size() - 4, ' ') + "12.5\n"), 1);

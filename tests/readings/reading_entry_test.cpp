@@ -3,6 +3,7 @@
 #include "readings/stored_readings.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
+#include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
 #include <gmock/gmock.h>
@@ -14,14 +15,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-int errorOf(const QString& path, const ReadingEntry& entry)
+int errorOfSaving(const QString& path, const ReadingEntry& entry)
 {
-    try {
-        saveReading(path, entry);
-        return 0;
-    } catch (const runtime::RunTimeError& error) {
-        return error.number();
-    }
+    return errorNumberOf([&] { saveReading(path, entry); });
 }
 
 TEST(ReadingTypes, AreTheEightInTheOrderOfTheirCodes)
@@ -65,30 +61,30 @@ TEST(SaveReading, StoresACommentOfFiftyCharactersWhole)
 TEST(SaveReading, ATextThatIsNoNumberOrDateStoresNothing)
 {
     const TestDiary diary;
-    EXPECT_EQ(errorOf(diary.path(), {"five", "03/03/2002", "08:15", 3, ""}), 13);
-    EXPECT_EQ(errorOf(diary.path(), {"", "03/03/2002", "08:15", 3, ""}), 13);
-    EXPECT_EQ(errorOf(diary.path(), {"5.6", "31/02/2002", "08:15", 3, ""}), 13);
-    EXPECT_EQ(errorOf(diary.path(), {"5.6", "03/03/2002", "25:00", 3, ""}), 13);
+    EXPECT_EQ(errorOfSaving(diary.path(), {"five", "03/03/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOfSaving(diary.path(), {"", "03/03/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOfSaving(diary.path(), {"5.6", "31/02/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOfSaving(diary.path(), {"5.6", "03/03/2002", "25:00", 3, ""}), 13);
     EXPECT_THAT(storedReadings(diary.path()), IsEmpty());
 }
 
 TEST(SaveReading, ANumberBeyondAllNumbersOrNoneStoresNothing)
 {
     const TestDiary diary;
-    EXPECT_EQ(errorOf(diary.path(), {"1e309", "03/03/2002", "08:15", 3, ""}), 6);
-    EXPECT_EQ(errorOf(diary.path(), {"nan", "03/03/2002", "08:15", 3, ""}), 13);
-    EXPECT_EQ(errorOf(diary.path(), {"inf", "03/03/2002", "08:15", 3, ""}), 13);
-    EXPECT_EQ(errorOf(diary.path(), {QString(10000, u'9'), "03/03/2002", "08:15", 3, ""}), 6);
-    EXPECT_EQ(errorOf(diary.path(), {"5.6", "03/03/2002", "08:15", 3, QString(10000, u'x')}), 3163);
+    EXPECT_EQ(errorOfSaving(diary.path(), {"1e309", "03/03/2002", "08:15", 3, ""}), 6);
+    EXPECT_EQ(errorOfSaving(diary.path(), {"nan", "03/03/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOfSaving(diary.path(), {"inf", "03/03/2002", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOfSaving(diary.path(), {QString(10000, u'9'), "03/03/2002", "08:15", 3, ""}), 6);
+    EXPECT_EQ(errorOfSaving(diary.path(), {"5.6", "03/03/2002", "08:15", 3, QString(10000, u'x')}), 3163);
     EXPECT_THAT(storedReadings(diary.path()), IsEmpty());
 }
 
 TEST(SaveReading, AMomentOutsideTheCalendarStoresNothing)
 {
     const TestDiary diary;
-    EXPECT_EQ(errorOf(diary.path(), {"5.6", "01/01/10000", "08:15", 3, ""}), 13);
-    EXPECT_EQ(errorOf(diary.path(), {"5.6", "31/12/9999", "01/01/1900 08:15", 3, ""}), 6) << "their sum";
-    EXPECT_EQ(errorOf(diary.path(), {"5.6", "01/01/0100", "01/01/1800 08:15", 3, ""}), 6) << "their sum";
+    EXPECT_EQ(errorOfSaving(diary.path(), {"5.6", "01/01/10000", "08:15", 3, ""}), 13);
+    EXPECT_EQ(errorOfSaving(diary.path(), {"5.6", "31/12/9999", "01/01/1900 08:15", 3, ""}), 6) << "their sum";
+    EXPECT_EQ(errorOfSaving(diary.path(), {"5.6", "01/01/0100", "01/01/1800 08:15", 3, ""}), 6) << "their sum";
     EXPECT_THAT(storedReadings(diary.path()), IsEmpty());
 }
 
@@ -103,7 +99,7 @@ TEST(SaveReading, StoresTheLargestNumberAndMinusZeroAsZero)
 
 TEST(SaveReading, WithoutAFileIsAnError)
 {
-    EXPECT_EQ(errorOf("/nowhere/Nutrition.mdb", {"5.6", "3/3/2002", "8:15", 3, ""}), 3024);
+    EXPECT_EQ(errorOfSaving("/nowhere/Nutrition.mdb", {"5.6", "3/3/2002", "8:15", 3, ""}), 3024);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "reports/date_filter.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
+#include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
 #include <gmock/gmock.h>
@@ -31,15 +32,11 @@ protected:
     /// The number of the error that the report ends with.
     int errorOfBuild(QString* hint = nullptr)
     {
-        try {
-            build();
-            return 0;
-        } catch (const runtime::RunTimeError& error) {
-            if (hint != nullptr) {
-                *hint = error.hint();
-            }
-            return error.number();
+        const auto error = errorOf([this] { build(); });
+        if (error && hint != nullptr) {
+            *hint = error->hint();
         }
+        return error ? error->number() : 0;
     }
 
     std::vector<std::string> lines() const

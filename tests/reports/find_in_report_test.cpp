@@ -1,6 +1,7 @@
 #include "reports/find_in_report.h"
 
 #include "runtime/run_time_error.h"
+#include "support/run_time_errors.h"
 
 #include <QStringList>
 
@@ -35,18 +36,6 @@ ReportList shortReport()
 {
     return listOf({QStringLiteral("Date / Time\tMeal\tMeal + 2"), QString(), QStringLiteral("Tuesday 05 Mar 2002"),
                    QStringLiteral("05 Mar 2002 12:00\t05.2\t08.2"), QStringLiteral("05 Mar 2002 08:00\t05.6\t10.2")});
-}
-
-template <typename Search>
-runtime::RunTimeError errorOf(Search search)
-{
-    try {
-        static_cast<void>(search());
-    } catch (const runtime::RunTimeError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "no error";
-    return runtime::RunTimeError(runtime::ErrorNumber::TypeMismatch);
 }
 
 constexpr auto kNone = std::nullopt;
@@ -165,12 +154,12 @@ TEST(FindInReport, BeyondThatPositionItOverflowsAndSaysWhatToDo)
     FindInReport search;
     ReportList list = listOfEmptyLines(32768);
     list.addItem(QStringLiteral("Meal"));
-    const auto error = errorOf([&] { return search.find(list, QStringLiteral("Meal")); });
+    const auto error = requiredErrorOf([&] { return search.find(list, QStringLiteral("Meal")); });
     EXPECT_EQ(error.number(), 6);
     EXPECT_EQ(error.hint().toStdString(),
               "Find looks no further than line 32,768 of the list; set a shorter filter and choose the report again to "
               "reach the rest.");
-    EXPECT_EQ(errorOf([&] { return search.findNext(list); }).number(), 6);
+    EXPECT_EQ(requiredErrorOf([&] { return search.findNext(list); }).number(), 6);
     EXPECT_THAT(search.find(list, QString()), Optional(0)) << "a new search begins at the first line";
 }
 

@@ -5,6 +5,7 @@
 #include "reports/all_reports.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
+#include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
 #include <QDir>
@@ -24,16 +25,6 @@ std::vector<std::string> linesOf(const ReportList& list)
         lines.push_back((line.style == Plain ? "" : std::to_string(line.style) + '>') + line.text.toStdString());
     }
     return lines;
-}
-
-int errorOf(const Report& report, ReportState& state)
-{
-    try {
-        report.build(state);
-        return 0;
-    } catch (const runtime::RunTimeError& error) {
-        return error.number();
-    }
 }
 
 std::vector<std::string> goldenFiles()
@@ -82,7 +73,7 @@ TEST_P(GoldenDiaryReports, HoldTheLinesWorkedOutByHand)
             state->strWhere = golden.filter.isComplete() ? golden.filter.strWhere() : QString();
         }
         ASSERT_TRUE(state.has_value()) << "the first report continues nothing";
-        EXPECT_EQ(errorOf(*report, *state), expected.error);
+        EXPECT_EQ(errorNumberOf([&] { report->build(*state); }), expected.error);
         EXPECT_THAT(linesOf(state->lstView), testing::ElementsAreArray(expected.lines));
     }
 }

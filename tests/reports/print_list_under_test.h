@@ -2,8 +2,8 @@
 #pragma once
 
 #include "reports/modDisp.h"
-#include "runtime/run_time_error.h"
 #include "support/recording_printer.h"
+#include "support/run_time_errors.h"
 
 #include <gtest/gtest.h>
 
@@ -52,12 +52,7 @@ protected:
     /// Prints on this printer; the number of the error that it ends with.
     int errorOfPrinting(Printer& printer)
     {
-        try {
-            PrintList(printer, job(), lineCounter_);
-            return 0;
-        } catch (const runtime::RunTimeError& error) {
-            return error.number();
-        }
+        return errorNumberOf([&] { PrintList(printer, job(), lineCounter_); });
     }
 
     const std::vector<PrintedPage>& pages() const { return printout_.back().pages; }

@@ -2,6 +2,7 @@
 
 #include "runtime/run_time_error.h"
 #include "support/recording_printer.h"
+#include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
 #include <QLocale>
@@ -31,13 +32,9 @@ protected:
     {
         RecordingPrinter printer(printout_);
         printer.failAtOutput(failingOutput);
-        try {
-            printBasicReport(printer, state_);
-            return 0;
-        } catch (const runtime::RunTimeError& error) {
-            hint_ = error.hint().toStdString();
-            return error.number();
-        }
+        const auto error = errorOf([&] { printBasicReport(printer, state_); });
+        hint_ = error ? error->hint().toStdString() : std::string();
+        return error ? error->number() : 0;
     }
 
     TestDiary diary_;

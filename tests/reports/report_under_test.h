@@ -4,7 +4,7 @@
 #include "data/database.h"
 #include "reports/report_state.h"
 #include "runtime/conversions.h"
-#include "runtime/run_time_error.h"
+#include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
 #include <QLocale>
@@ -49,14 +49,9 @@ public:
     /// The number of the error that the report ends with; 0 without one.
     int errorOfBuild()
     {
-        hint_.clear();
-        try {
-            build();
-            return 0;
-        } catch (const runtime::RunTimeError& error) {
-            hint_ = error.hint().toStdString();
-            return error.number();
-        }
+        const auto error = errorOf([this] { build(); });
+        hint_ = error ? error->hint().toStdString() : std::string();
+        return error ? error->number() : 0;
     }
     /// Of the last error.
     [[nodiscard]] const std::string& hint() const { return hint_; }

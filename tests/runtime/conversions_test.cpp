@@ -2,6 +2,7 @@
 
 #include "runtime/locale_in_force.h"
 #include "runtime/run_time_error.h"
+#include "support/run_time_errors.h"
 
 #include <gtest/gtest.h>
 
@@ -9,18 +10,6 @@
 
 namespace runtime {
 namespace {
-
-/// The number of the run-time error that the action ends with; 0 when it ends well.
-template <typename Action>
-int errorOf(Action action)
-{
-    try {
-        static_cast<void>(action());
-        return 0;
-    } catch (const RunTimeError& error) {
-        return error.number();
-    }
-}
 
 Value text(const char* value)
 {
@@ -39,8 +28,8 @@ TEST_F(Conversions, TextIsNumericWhenItConverts)
     EXPECT_FALSE(isNumeric(QString()));
     EXPECT_FALSE(isNumeric(QStringLiteral("1e400")));
     EXPECT_EQ(toDouble(text(" 5.6 ")), 5.6);
-    EXPECT_EQ(errorOf([] { return toDouble(text("")); }), 13);
-    EXPECT_EQ(errorOf([] { return toDouble(text("1e400")); }), 6);
+    EXPECT_EQ(errorNumberOf([] { return toDouble(text("")); }), 13);
+    EXPECT_EQ(errorNumberOf([] { return toDouble(text("1e400")); }), 6);
 }
 
 TEST_F(Conversions, TextFollowsTheLocaleInForce)
@@ -59,8 +48,8 @@ TEST_F(Conversions, NumbersFromOtherValues)
     EXPECT_EQ(toDouble(true), -1);
     EXPECT_EQ(toDouble(false), 0);
     EXPECT_EQ(toDouble(Date{37320.5}), 37320.5);
-    EXPECT_EQ(errorOf([] { return toDouble(Null{}); }), 94);
-    EXPECT_EQ(errorOf([] { return toDouble(QByteArray("5")); }), 13);
+    EXPECT_EQ(errorNumberOf([] { return toDouble(Null{}); }), 94);
+    EXPECT_EQ(errorNumberOf([] { return toDouble(QByteArray("5")); }), 13);
 }
 
 TEST_F(Conversions, DatesFromOtherValues)
@@ -69,10 +58,10 @@ TEST_F(Conversions, DatesFromOtherValues)
     EXPECT_EQ(toDate(37320.5), Date{37320.5});
     EXPECT_EQ(toDate(qint32{37320}), Date{37320});
     EXPECT_EQ(toDate(text("05/03/2002 12:00")), Date{37320.5});
-    EXPECT_EQ(errorOf([] { return toDate(text("31/02/2002")); }), 13);
-    EXPECT_EQ(errorOf([] { return toDate(text("")); }), 13);
-    EXPECT_EQ(errorOf([] { return toDate(1e9); }), 6);
-    EXPECT_EQ(errorOf([] { return toDate(Null{}); }), 94);
+    EXPECT_EQ(errorNumberOf([] { return toDate(text("31/02/2002")); }), 13);
+    EXPECT_EQ(errorNumberOf([] { return toDate(text("")); }), 13);
+    EXPECT_EQ(errorNumberOf([] { return toDate(1e9); }), 6);
+    EXPECT_EQ(errorNumberOf([] { return toDate(Null{}); }), 94);
 }
 
 TEST_F(Conversions, WholeNumbersRoundHalfToEven)
@@ -92,18 +81,18 @@ TEST_F(Conversions, WholeNumbersRoundHalfToEven)
 TEST_F(Conversions, WholeNumbersOverflowAtTheirWidth)
 {
     EXPECT_EQ(toInteger(32767.5 - 0.1), 32767);
-    EXPECT_EQ(errorOf([] { return toInteger(32767.5); }), 6) << "rounds to 32768";
+    EXPECT_EQ(errorNumberOf([] { return toInteger(32767.5); }), 6) << "rounds to 32768";
     EXPECT_EQ(toInteger(-32768.5), -32768) << "rounds to the even -32768";
-    EXPECT_EQ(errorOf([] { return toInteger(-32768.6); }), 6);
-    EXPECT_EQ(errorOf([] { return toInteger(qint32{32768}); }), 6);
+    EXPECT_EQ(errorNumberOf([] { return toInteger(-32768.6); }), 6);
+    EXPECT_EQ(errorNumberOf([] { return toInteger(qint32{32768}); }), 6);
     EXPECT_EQ(toLong(2147483647.4), std::numeric_limits<qint32>::max());
-    EXPECT_EQ(errorOf([] { return toLong(2147483647.5); }), 6);
+    EXPECT_EQ(errorNumberOf([] { return toLong(2147483647.5); }), 6);
     EXPECT_EQ(toLong(-2147483648.0), std::numeric_limits<qint32>::min());
-    EXPECT_EQ(errorOf([] { return toLong(-2147483649.0); }), 6);
-    EXPECT_EQ(errorOf([] { return toLong(std::numeric_limits<double>::quiet_NaN()); }), 6);
-    EXPECT_EQ(errorOf([] { return toLong(std::numeric_limits<double>::infinity()); }), 6);
-    EXPECT_EQ(errorOf([] { return toLong(Null{}); }), 94);
-    EXPECT_EQ(errorOf([] { return toInteger(text("ten")); }), 13);
+    EXPECT_EQ(errorNumberOf([] { return toLong(-2147483649.0); }), 6);
+    EXPECT_EQ(errorNumberOf([] { return toLong(std::numeric_limits<double>::quiet_NaN()); }), 6);
+    EXPECT_EQ(errorNumberOf([] { return toLong(std::numeric_limits<double>::infinity()); }), 6);
+    EXPECT_EQ(errorNumberOf([] { return toLong(Null{}); }), 94);
+    EXPECT_EQ(errorNumberOf([] { return toInteger(text("ten")); }), 13);
 }
 
 TEST_F(Conversions, PlainTextOfEveryKindOfValue)
