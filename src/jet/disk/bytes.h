@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <cstring>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace jet {
@@ -18,13 +17,15 @@ using ByteView = std::span<const std::byte>;
 using MutableBytes = std::span<std::byte>;
 using Bytes = std::vector<std::byte>;
 
+/// Throws Corrupt. Out of line, so that the check itself is small enough to be inlined everywhere.
+[[noreturn]] void throwPastEnd(std::size_t offset, std::size_t length, std::size_t size);
+
 /// Part of a run of bytes. Throws Corrupt when it does not lie wholly inside.
 template <typename Byte>
 [[nodiscard]] std::span<Byte> slice(std::span<Byte> bytes, std::size_t offset, std::size_t length)
 {
-    if (offset > bytes.size() || length > bytes.size() - offset) {
-        throw Error(ErrorCode::Corrupt, "A structure reaches past its end: " + std::to_string(length) + " bytes at " +
-                                            std::to_string(offset) + " of " + std::to_string(bytes.size()));
+    if (offset > bytes.size() || length > bytes.size() - offset) [[unlikely]] {
+        throwPastEnd(offset, length, bytes.size());
     }
     return bytes.subspan(offset, length);
 }
