@@ -18,36 +18,32 @@ std::u16string_view viewOf(QStringView text)
 void RowSorter::add(const ResultRow& row)
 {
     for (const RowOrder& term : order_) {
-        add(row.value(term.column));
+        if (const std::optional<double> number = row.quantity(term.column)) {
+            addKey(Kind::Number, *number);
+        } else {
+            addOther(row.value(term.column));
+        }
     }
     ++rows_;
 }
 
-void RowSorter::add(const runtime::Value& key)
+void RowSorter::addKey(Kind kind, double number)
 {
-    Kind kind = Kind::Number;
-    double number = 0;
-    if (const auto* inexact = std::get_if<double>(&key)) {
-        number = *inexact;
-    } else if (const auto* whole = std::get_if<qint32>(&key)) {
-        number = *whole;
-    } else if (const auto* date = std::get_if<runtime::Date>(&key)) {
-        number = date->days;
-    } else if (const auto* flag = std::get_if<bool>(&key)) {
-        number = *flag ? -1 : 0; // true is -1 in SQL
-    } else if (const auto* text = std::get_if<QString>(&key)) {
-        kind = Kind::Text;
-        number = static_cast<double>(texts_.size());
-        texts_.append(*text);
-    } else if (const auto* bytes = std::get_if<QByteArray>(&key)) {
-        kind = Kind::Bytes;
-        number = static_cast<double>(bytes_.size());
-        bytes_.append(*bytes);
-    } else {
-        kind = Kind::Null;
-    }
     kinds_.push_back(kind);
     numbers_.push_back(number);
+}
+
+void RowSorter::addOther(const runtime::Value& key)
+{
+    if (const auto* text = std::get_if<QString>(&key)) {
+        addKey(Kind::Text, static_cast<double>(texts_.size()));
+        texts_.append(*text);
+    } else if (const auto* bytes = std::get_if<QByteArray>(&key)) {
+        addKey(Kind::Bytes, static_cast<double>(bytes_.size()));
+        bytes_.append(*bytes);
+    } else {
+        addKey(Kind::Null, 0);
+    }
 }
 
 int RowSorter::compared(std::size_t a, std::size_t b) const

@@ -28,7 +28,8 @@ public:
 private:
     enum class Kind : quint8 { Null, Number, Text, Bytes };
 
-    void add(const runtime::Value& key);
+    void addKey(Kind kind, double number);
+    void addOther(const runtime::Value& key);
     /// Two keys by their positions: below, equal to or above 0.
     [[nodiscard]] int compared(std::size_t a, std::size_t b) const;
     [[nodiscard]] bool isBefore(qsizetype row, qsizetype other) const;

@@ -62,6 +62,13 @@ qint64 ResultRow::number(int column) const
     return sqlite3_column_int64(statement_, column);
 }
 
+std::optional<double> ResultRow::quantity(int column) const
+{
+    const int type = sqlite3_column_type(statement_, column);
+    const bool isNumber = type == SQLITE_INTEGER || type == SQLITE_FLOAT;
+    return isNumber ? std::optional(sqlite3_column_double(statement_, column)) : std::nullopt;
+}
+
 void ResultRow::copyTo(Snapshot& rows, int column, std::optional<FieldType> type) const
 {
     sqlite3_value* value = sqlite3_column_value(statement_, column);
