@@ -28,6 +28,9 @@ struct TableEntry {
     bool system = false; ///< a table of the format's or of Access's own
 };
 
+/// One connection to a file, for one thread at a time, its tables and cursors included. Other connections may be used
+/// by other threads and programs meanwhile. Every function may throw Io, Corrupt and Locked (another program holds a
+/// lock for longer than PagerOptions::patience); what else is named with it.
 class Database
 {
 public:
@@ -56,16 +59,22 @@ public:
     [[nodiscard]] std::uint64_t catalogueVersion() const;
 
     // --- Changes to the catalogue; each is a transaction of its own unless one is in progress ---
+
+    // They throw InvalidArgument for what the format cannot hold, ObjectExists for a name that is taken, NoSuchObject
+    // for a table or column that is not there, ReadOnly for a file that objects cannot be added to. When they throw,
+    // nothing has changed.
     void createTable(const TableSpec& spec);
     void createQuery(const SavedQuery& query);
+    /// Throws MissingParent or DuplicateKey where rows that are there do not comply.
     void createRelationship(const Relationship& relationship);
 
     // --- Reads and transactions ---
     /// Between beginRead and endRead (they nest) the file does not change under the reader.
     void beginRead();
     void endRead();
+    /// One transaction at a time; throws ReadOnly. Nothing reaches the file before commit().
     void begin();
-    void commit(); ///< durable when it returns; when it throws, everything is rolled back
+    void commit(); ///< durable when it returns; when it throws (DiskFull ...), everything is rolled back
     void rollback();
     [[nodiscard]] bool inTransaction() const;
 

@@ -73,12 +73,12 @@ struct QueryRow {
 
 struct SavedQuery {
     std::string name;
-    std::int32_t flags = 0; ///< the kind in the bits 0xF0, as stored
+    std::int32_t flags = 0;     ///< the kind in the bits 0xF0, as stored
     std::vector<QueryRow> rows; ///< ordered by attribute and order
 };
 
-/// The query's SQL in Jet's dialect, rebuilt from its rows, with names in brackets. Throws Corrupt for rows that make no
-/// statement.
+/// The query's SQL in Jet's dialect, rebuilt from its rows, with names in brackets. Throws Corrupt for rows that make
+/// no statement.
 [[nodiscard]] std::string sqlOf(const SavedQuery& query);
 
 } // namespace jet

@@ -25,7 +25,8 @@ class Row
 public:
     virtual ~Row() = default;
     [[nodiscard]] virtual RowPointer address() const = 0;
-    /// Decodes that one value; long values are read in full.
+    /// Decodes that one value. A long value is read in full, from the file as it is now; throws NoSuchObject when it
+    /// was changed since the row was read.
     [[nodiscard]] virtual Value value(const Column& column) const = 0;
 };
 
@@ -53,8 +54,8 @@ struct KeyRange {
 };
 
 /// Good as long as its database. Every reading function reads under a lock of its own, or inside a read or transaction
-/// that the caller has begun on the database; a cursor holds its lock until it is destroyed. A changing function outside
-/// a transaction is one by itself. When it throws, nothing has changed.
+/// that the caller has begun on the database; a cursor holds its lock until it is destroyed. A changing function
+/// outside a transaction is one by itself. When it throws, nothing has changed.
 class Table
 {
 public:
@@ -69,19 +70,26 @@ public:
 
     /// All rows in the order of entry.
     [[nodiscard]] virtual std::unique_ptr<RowCursor> scan() const = 0;
-    /// The rows of a range of keys, in key order (equal keys in the order of entry) or backwards.
-    /// `realIndex` is a position in TableDefinition::realIndexes. Null as a bound means the null key.
+    /// The rows of a range of keys, in key order (equal keys in the order of entry) or backwards. `realIndex` is a
+    /// position in TableDefinition::realIndexes. Null as a bound means the null key. Throws IndexNotSupported for
+    /// bounds in an index that cannot be searched.
     [[nodiscard]] virtual std::unique_ptr<RowCursor> range(std::size_t realIndex, const KeyRange& keys,
                                                            bool backwards = false) const = 0;
-    /// Whether keys of this index can be computed (an index of another sort order cannot be searched, only scanned past).
+    /// Whether keys of this index can be computed (an index of another sort order cannot be searched, only scanned
+    /// past).
     [[nodiscard]] virtual bool isSearchable(std::size_t realIndex) const = 0;
     /// The row at the address, or null when there is none any more.
     [[nodiscard]] virtual std::unique_ptr<Row> read(RowPointer address) const = 0;
 
+    // Changes. All throw ReadOnly or IndexNotSupported where whyReadOnly() has words, NullNotAllowed, DuplicateKey,
+    // MissingParent and HasChildren for what indexes and relationships do not allow, and InvalidArgument, Overflow or
+    // ValueTooLong for a value that its column cannot hold.
+
     /// Columns not named get null (Boolean: false) or, for an auto-number, the next number.
     virtual RowPointer insert(std::span<const ColumnValue> values) = 0;
-    /// Changes the columns named and keeps the bytes of the others.
+    /// Changes the columns named and keeps the bytes of the others. Throws NoSuchObject when the row is gone.
     virtual void update(RowPointer address, std::span<const ColumnValue> values) = 0;
+    /// Throws NoSuchObject when the row is gone. What relationships say goes with it.
     virtual void erase(RowPointer address) = 0;
 };
 

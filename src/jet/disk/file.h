@@ -29,7 +29,8 @@ struct FileStamp {
     auto operator<=>(const FileStamp&) const = default;
 };
 
-/// One open file. All functions throw jet::Error (Io, DiskFull, Locked ...). Closing releases the lock.
+/// One open file, for one thread at a time. Offsets and sizes are in bytes. All functions throw jet::Error (Io,
+/// DiskFull, Locked ...). Closing releases the lock.
 class File
 {
 public:
@@ -43,6 +44,7 @@ public:
     /// Writes all bytes; extends the file where needed. Not durable before sync().
     virtual void writeAt(std::uint64_t offset, ByteView bytes) = 0;
     [[nodiscard]] virtual std::uint64_t size() = 0;
+    /// Makes the file so long: cuts it, or adds zeros. Not durable before sync().
     virtual void truncate(std::uint64_t size) = 0;
     /// Returns when everything written so far, the size included, will survive a loss of power.
     virtual void sync() = 0;
@@ -57,6 +59,7 @@ public:
     [[nodiscard]] virtual bool isInPlace() = 0;
 };
 
+/// May be used from several threads. All functions throw jet::Error: FileNotFound, FileExists, ReadOnly, Io ...
 class FileSystem
 {
 public:

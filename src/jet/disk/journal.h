@@ -54,6 +54,8 @@ struct ChangedPage {
     PageRef after;
 };
 
+/// What a disk writes whole or not at all, in bytes: no drive in use has smaller sectors, and larger ones are made of
+/// these.
 inline constexpr std::size_t kSectorSize = 512;
 inline constexpr std::size_t kSectorsOfPage = kPageSize / kSectorSize;
 using SectorChecksums = std::array<std::uint64_t, kSectorsOfPage>;

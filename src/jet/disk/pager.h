@@ -42,7 +42,7 @@ class UnfinishedFile;
 struct PagerOptions {
     /// How long to wait for a lock that another program holds before giving up with Locked.
     std::chrono::milliseconds patience{2000};
-    /// How many unchanged pages to keep: 8 MiB, more than a diary of ten years takes.
+    /// How many unchanged pages to keep in memory: 8 MiB, more than a diary of ten years takes.
     std::size_t cachedPages = 2048;
 };
 

@@ -28,6 +28,7 @@ enum class SlotKind {
 class DataPage
 {
 public:
+    // In bytes, but for the number of slots: a row pointer has one byte for the slot.
     static constexpr std::size_t kHeaderSize = 14;
     static constexpr std::size_t kSlotSize = 2;
     static constexpr std::size_t kMaximumSlots = 255;

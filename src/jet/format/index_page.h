@@ -12,7 +12,7 @@ namespace jet {
 
 enum class IndexPageKind : std::uint8_t { Node = 3, Leaf = 4 };
 
-/// Bytes of a page that entries may fill.
+/// Bytes of a page that entries may fill: all behind the header and the mask.
 inline constexpr std::size_t kIndexEntryArea = 3616;
 /// The longest entry of either kind: any two fit on a page, so that every overfull page can be split in two.
 inline constexpr std::size_t kMaximumIndexEntry = kIndexEntryArea / 2;

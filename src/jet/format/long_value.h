@@ -5,10 +5,11 @@
 
 namespace jet {
 
+// Sizes in bytes.
 inline constexpr std::size_t kLongValueDescriptorSize = 12;
-/// Longer values leave the row.
+/// Longer values leave the row. Access keeps up to 64 bytes in it, the descriptor included.
 inline constexpr std::size_t kMaximumInlineLongValue = 52;
-/// A row of a long-value page holds no more than this, the pointer of a chain's part included.
+/// A row of a long-value page holds no more than this, the pointer of a chain's part included; Access refuses more.
 inline constexpr std::size_t kMaximumLongValueRow = 4076;
 
 struct LongValue {

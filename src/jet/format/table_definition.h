@@ -100,8 +100,8 @@ struct LongValueMaps {
 };
 
 struct TableDefinition {
-    static constexpr std::uint8_t kUserTable = 0x4E;
-    static constexpr std::uint8_t kSystemTable = 0x53;
+    static constexpr std::uint8_t kUserTable = 0x4E;   ///< "N" in the file
+    static constexpr std::uint8_t kSystemTable = 0x53; ///< "S"
 
     std::uint32_t rowCount = 0;
     std::int32_t lastAutoNumber = 0;

@@ -64,6 +64,9 @@ struct Numeric {
 using Value = std::variant<Null, bool, std::uint8_t, std::int16_t, std::int32_t, Currency, float, double, DateTime,
                            std::u16string, Bytes, Guid, Numeric>;
 
-[[nodiscard]] inline bool isNull(const Value& value) { return std::holds_alternative<Null>(value); }
+[[nodiscard]] inline bool isNull(const Value& value)
+{
+    return std::holds_alternative<Null>(value);
+}
 
 } // namespace jet
