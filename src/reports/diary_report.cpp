@@ -192,7 +192,8 @@ private:
         if (detail_ == Detail::FoodsAndTotals) {
             list_.addItem(QString());
         }
-        addTotals(list_, {QStringLiteral("Total"), QStringLiteral("Total %")}, meal, Plain, noEnergyHint(mealTime));
+        addTotals(list_, {QStringLiteral("Total"), QStringLiteral("Total %")}, meal, Plain,
+                  [mealTime] { return noEnergyHint(mealTime); });
         list_.addItem(QString());
     }
 
@@ -259,7 +260,7 @@ private:
     {
         list_.addItem(QString());
         addTotals(list_, {QStringLiteral("Day Total kCal/gms/gms/gms"), QStringLiteral("Day Total %")},
-                  state_.dayTotals, Bold, noEnergyOfDayHint(mealTime));
+                  state_.dayTotals, Bold, [mealTime] { return noEnergyOfDayHint(mealTime); });
         list_.addItem(QString());
         list_.addItem(kPageSeparator);
         list_.addItem(QString());

@@ -8,7 +8,7 @@
 namespace reports {
 
 void addTotals(ReportList& list, const TotalsCaptions& captions, const NutrientTotals& totals, Style style,
-               const QString& noEnergyHint)
+               const std::function<QString()>& noEnergyHint)
 {
     const auto addLine = [&](const QStringList& columns, Style lineStyle) {
         list.addItem(u'\t' + columns.join(u'\t'), lineStyle);
@@ -24,7 +24,7 @@ void addTotals(ReportList& list, const TotalsCaptions& captions, const NutrientT
             style);
 
     if (energy.total() == 0) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::DivisionByZero).withHint(noEnergyHint);
+        throw runtime::RunTimeError(runtime::ErrorNumber::DivisionByZero).withHint(noEnergyHint());
     }
     const auto share = [&](double part) { return runtime::format(part / energy.total(), QStringLiteral("#0%")); };
     addLine(

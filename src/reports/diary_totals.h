@@ -6,6 +6,8 @@
 
 #include <QString>
 
+#include <functional>
+
 namespace reports {
 
 struct TotalsCaptions {
@@ -14,8 +16,9 @@ struct TotalsCaptions {
 };
 
 /// Adds the sums in kCal and grams, the energy computed from the grams, and its shares, which are always bold; the
-/// other two have the style. Without any energy, 11 division by zero with this hint instead of the third line.
+/// other two have the style. Without any energy, 11 division by zero with this hint, which is made only then, instead
+/// of the third line.
 void addTotals(ReportList& list, const TotalsCaptions& captions, const NutrientTotals& totals, Style style,
-               const QString& noEnergyHint);
+               const std::function<QString()>& noEnergyHint);
 
 } // namespace reports
