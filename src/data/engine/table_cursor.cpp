@@ -51,16 +51,27 @@ void TableCursor::walk(std::unique_ptr<jet::RowCursor> rows)
 
 void TableCursor::findByKey(int number, std::string_view values, sqlite3_value* key)
 {
+    row_ = nullptr;
+    rows_.reset();
+    if (keptBy_ != number || kept_.size() == kRowsKept) {
+        kept_.clear();
+        keptBy_ = number;
+    }
     const sqlite3_int64 wanted = sqlite3_value_int64(key);
     auto found = kept_.find(wanted);
     if (found == kept_.end()) {
-        if (kept_.size() == kRowsKept) {
-            kept_.clear();
-        }
         walk(rowsOf(number, values, std::span(&key, 1)));
-        found = kept_.emplace(wanted, atEnd() ? nullptr : binding_->table.read(row_->address())).first;
+        std::unique_ptr<jet::Row> row = atEnd() ? nullptr : binding_->table.read(row_->address());
+        if (row != nullptr) {
+            next();
+        }
+        if (!atEnd()) { // the index is damaged, and no row is to be lost for that
+            walk(rowsOf(number, values, std::span(&key, 1)));
+            return;
+        }
+        found = kept_.emplace(wanted, std::move(row)).first;
+        rows_.reset();
     }
-    rows_.reset(); // no other row has the key
     row_ = found->second.get();
 }
 

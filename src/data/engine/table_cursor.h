@@ -15,8 +15,8 @@ namespace data {
 struct SearchableIndex;
 struct TableBinding;
 
-/// Stands before no row until search() is called; each further call starts anew. Used within one statement, during
-/// which the file does not change.
+/// Stands before no row until search() is called; each further call starts anew. Used within one statement, whose
+/// runner holds a read so that the file does not change.
 class TableCursor
 {
 public:
@@ -40,8 +40,10 @@ private:
 
     const TableBinding* binding_;
     std::unique_ptr<jet::RowCursor> rows_;
-    /// By the key that was asked for, null where there is none: a join asks for the same rows again and again.
+    /// By the key that was asked for, null where there is none: a join asks for the same rows again and again. Each row
+    /// holds its page.
     std::unordered_map<sqlite3_int64, std::unique_ptr<jet::Row>> kept_;
+    int keptBy_ = 0; ///< the number of the plan whose keys they are
     const jet::Row* row_ = nullptr;
 };
 

@@ -72,7 +72,7 @@ IndexPageRef IndexTree::read(PageNumber number) const
     if (decoded->header().owner != owner_) {
         refuse(number, "a page belongs to another table");
     }
-    if (decoded_.size() == kPagesKept) {
+    if (decoded_.size() == kPagesKept && !decoded_.contains(number)) {
         decoded_.clear();
     }
     decoded_.insert_or_assign(number, decoded);
