@@ -9,6 +9,7 @@
 
 #include <array>
 #include <charconv>
+#include <optional>
 
 namespace cli {
 namespace {
@@ -39,13 +40,20 @@ QString lineOf(const data::Recordset& records)
     return columns.join(u'\t');
 }
 
-/// The next records, under one lock: to lock the file takes longer than to read a record.
+/// The next records. A table's are read under one lock, for to lock the file takes longer than to read a record; the
+/// lock is held for a moment only, so that nobody has to wait for it. Computed records are in memory already.
 void readLines(data::Database& database, data::Recordset& records, QStringList& lines)
 {
     constexpr qsizetype kMostLines = 500;
-    const data::Database::Reading reading(database);
-    for (; !records.eof() && lines.size() < kMostLines; records.moveNext()) {
+    constexpr qsizetype kMostCharacters = 1 << 20;
+    std::optional<data::Database::Reading> reading;
+    if (records.isUpdatable()) {
+        reading.emplace(database);
+    }
+    qsizetype characters = 0;
+    for (; !records.eof() && lines.size() < kMostLines && characters < kMostCharacters; records.moveNext()) {
         lines.append(lineOf(records));
+        characters += lines.constLast().size();
     }
 }
 

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace cli {
 namespace {
 
@@ -67,6 +69,25 @@ TEST(Tsv, RecordsBeforeOneThatCannotBeReadAreWritten)
     EXPECT_THROW(writeRecords(database, readings, output), runtime::RunTimeError);
     output.flush();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "BloodSugerLevel\n4.5\n5.5\n");
+}
+
+TEST(Tsv, ComputedRecordsAreWrittenAlsoWhenTheFileIsReplacedMeanwhile)
+{
+    TestDiary diary;
+    diary.addReading(QStringLiteral("05/03/2002 07:30"), 4.5, 1);
+    diary.addReading(QStringLiteral("05/03/2002 12:30"), 5.5, 2);
+    data::Database database(diary.path());
+    data::Recordset levels =
+        database.openRecordset(QStringLiteral("select BloodSugerLevel + 1 as Level from BloodSugarLevels"));
+    const std::string path = diary.path().toStdString();
+    std::filesystem::copy_file(path, path + ".new");
+    std::filesystem::rename(path + ".new", path);
+
+    Output output;
+    testing::internal::CaptureStdout();
+    writeRecords(database, levels, output);
+    output.flush();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Level\n5.5\n6.5\n");
 }
 
 } // namespace
