@@ -21,6 +21,12 @@ bool isGrouped(const Select& select, const std::vector<OrderItem>& orderBy)
     return aggregates || ordersByAggregates || !select.groupBy.empty() || select.having != nullptr;
 }
 
+/// Whether a relation's term is one of k0, k1 ... and not of the columns that the query shows.
+bool isHidden(const OrderTerm& term)
+{
+    return term.sql.startsWith(u'k');
+}
+
 QString termSql(const OrderTerm& term)
 {
     QString sql = term.sql;
@@ -54,11 +60,21 @@ QString orderColumnList(const Relation& relation, const QString& prefix)
 {
     QString list;
     for (const OrderTerm& term : relation.order) {
-        if (term.sql.startsWith(u'k')) {
+        if (isHidden(term)) {
             list += QStringLiteral(", ") + prefix + term.sql;
         }
     }
     return list;
+}
+
+std::vector<RowOrder> orderColumns(const Relation& relation)
+{
+    std::vector<RowOrder> order;
+    int hidden = static_cast<int>(relation.columns.size());
+    for (const OrderTerm& term : relation.order) {
+        order.push_back({isHidden(term) ? hidden++ : QStringView(term.sql).mid(1).toInt(), term.descending});
+    }
+    return order;
 }
 
 struct QueryTranslator::Draft {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/language/expression_translator.h"
+#include "data/language/sql_translator.h"
 
 namespace data {
 
@@ -60,5 +61,7 @@ private:
 [[nodiscard]] QString columnList(const Relation& relation, const QString& prefix = {});
 /// ", k0, k1".
 [[nodiscard]] QString orderColumnList(const Relation& relation, const QString& prefix = {});
+/// Where the terms of the order stand in a SELECT of columnList and, behind it, orderColumnList.
+[[nodiscard]] std::vector<RowOrder> orderColumns(const Relation& relation);
 
 } // namespace data

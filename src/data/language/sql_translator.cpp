@@ -32,24 +32,12 @@ SqlText addressesOf(const TranslationState& state, const Relation& relation)
     return textOf(state, relation.rows->address, source);
 }
 
-/// Behind the columns that are shown come those that nobody sees, in the order's order.
-std::vector<RowOrder> rowOrderOf(const Relation& relation)
-{
-    std::vector<RowOrder> order;
-    int hidden = static_cast<int>(relation.columns.size());
-    for (const OrderTerm& term : relation.order) {
-        const bool isShown = term.sql.startsWith(u'c');
-        order.push_back({isShown ? QStringView(term.sql).mid(1).toInt() : hidden++, term.descending});
-    }
-    return order;
-}
-
 TranslatedQuery finished(const TranslationState& state, const Relation& relation)
 {
     requireKnownNames(state);
     TranslatedQuery result;
     result.rows = textOf(state, columnList(relation) + orderColumnList(relation), u'(' + relation.sql + u')');
-    result.order = rowOrderOf(relation);
+    result.order = orderColumns(relation);
     for (const RelationColumn& column : relation.columns) {
         result.columns.push_back({column.name, column.type});
     }
