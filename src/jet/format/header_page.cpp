@@ -1,5 +1,6 @@
 #include "jet/format/header_page.h"
 
+#include "jet/disk/file_version.h"
 #include "jet/format/text_codec.h"
 
 #include <algorithm>
@@ -17,8 +18,7 @@ constexpr std::size_t kVersion = 0x14;
 constexpr std::size_t kMasked = 0x18;
 constexpr std::size_t kMaskedSize = 128;
 constexpr std::size_t kAfterMasked = 0x98;
-constexpr std::size_t kCommitPairs = 0xE00;
-constexpr std::size_t kCommitSlots = 256;
+constexpr std::size_t kCommitPairSize = 2;
 
 // Offsets in the masked region.
 constexpr std::size_t kGlobalMap = 0x00;
@@ -188,9 +188,9 @@ Page encodeHeaderPage(const HeaderPage& header)
                    [](std::byte left, std::byte right) { return left ^ right; });
     putU32(page, kAfterMasked, 0x654);
     putU32(page, kAfterMasked + 4, 0x302E34); // "4.0"
-    for (std::size_t slot = 0; slot < kCommitSlots; ++slot) {
-        putU8(page, kCommitPairs + 2 * slot, slot == 0 ? 1 : 0);
-        putU8(page, kCommitPairs + 2 * slot + 1, 1);
+    for (std::size_t offset = 0; offset < FileVersion::kCommitPairsSize; offset += kCommitPairSize) {
+        putU8(page, FileVersion::kCommitPairsOffset + offset, offset == 0 ? 1 : 0);
+        putU8(page, FileVersion::kCommitPairsOffset + offset + 1, 1);
     }
     return page;
 }

@@ -8,8 +8,6 @@
 namespace jet {
 namespace {
 
-// A file is at most 2 GiB long.
-constexpr PageNumber kMaximumPages = 0x80000000U / kPageSize;
 constexpr PageNumber kFirstAllocatable = 2;
 constexpr std::byte kFreedFlag{0x08}; // in the type of a page
 constexpr std::size_t kGrowthBits = 32;
@@ -168,7 +166,7 @@ PageNumber PageAllocator::allocate(PageNumber after)
         pager_->modify(*page).fill(std::byte{0});
         return *page;
     }
-    if (pager_->pageCount() >= kMaximumPages) {
+    if (pager_->pageCount() >= kMaxPageCount) {
         throw Error(ErrorCode::DiskFull, "The file has reached its largest size, 2 gigabytes");
     }
     const PageNumber page = pager_->append();
