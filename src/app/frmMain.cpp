@@ -32,6 +32,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QStatusBar>
 
 namespace app {
@@ -58,7 +59,7 @@ frmMain::frmMain(World world) : world_(std::move(world)), handlers_(*this, world
     statusBar(); // shows the tips of menu entries and buttons
     Form_Load();
     connectHandlers();
-    resize(kInitialSize);
+    resize(kInitialSize.boundedTo(screen()->availableSize() * 19 / 20)); // the title bar needs room too
 }
 
 void frmMain::Form_Load()
