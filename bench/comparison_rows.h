@@ -1,5 +1,5 @@
-// The groups of rows of the comparison, a file each. A group checks that both sides do the same before it times them,
-// and throws std::runtime_error when they do not.
+// The groups of rows of the comparison, a file each. A group compares what both sides yield, or at least how many
+// rows, and throws std::runtime_error when it differs.
 #pragma once
 
 #include "comparison.h"

@@ -26,22 +26,33 @@ public:
 class Content
 {
 public:
-    void takeNull() { mix(0); }
-    void take(double number) { mix(std::bit_cast<std::uint64_t>(number)); }
+    void takeNull() { mix(kNull); }
+    void take(double number)
+    {
+        mix(kNumber);
+        mix(std::bit_cast<std::uint64_t>(number));
+    }
     void take(const QString& text) { take(std::string_view(text.toUtf8())); }
     void take(std::string_view utf8)
     {
+        mix(kText);
         for (const char unit : utf8) {
             mix(static_cast<unsigned char>(unit));
         }
         mix(utf8.size());
     }
-    void endRow() { ++rows_; }
+    void endRow()
+    {
+        mix(kEndOfRow);
+        ++rows_;
+    }
 
     [[nodiscard]] std::int64_t rows() const { return rows_; }
     bool operator==(const Content&) const = default;
 
 private:
+    enum Mark : std::uint64_t { kNull = 1, kNumber, kText, kEndOfRow };
+
     void mix(std::uint64_t value) { sum_ = (sum_ ^ value) * 0x100000001b3U; } // FNV's prime
 
     std::int64_t rows_ = 0;

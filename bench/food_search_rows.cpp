@@ -64,7 +64,7 @@ void compareFoodSearch(ComparisonTable& table)
     }
 
     Untouched taker;
-    table.add({.what = "food search, a word typed in four steps",
+    table.add({.what = "food search, four texts of a word",
                .ours =
                    [&] {
                        return processorTimeOf([&] {

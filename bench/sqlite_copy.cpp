@@ -171,7 +171,9 @@ Sqlite copyDiary(const std::string& diary, const std::string& sqliteFile)
 Sqlite openSqlite(const std::string& sqliteFile, Access access)
 {
     if (access == Access::Read) {
-        return open(sqliteFile, SQLITE_OPEN_READONLY);
+        Sqlite connection = open(sqliteFile, SQLITE_OPEN_READONLY);
+        execute(connection.get(), "PRAGMA cache_size=-8192"); // KiB: as many pages as the engine keeps
+        return connection;
     }
     Sqlite connection = open(sqliteFile, SQLITE_OPEN_READWRITE);
     execute(connection.get(), kDurably);
