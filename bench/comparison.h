@@ -1,4 +1,4 @@
-// What the program needs beside what another program needs for the same work, as rows of one table.
+// What the program needs beside what another program needs for the same or the nearest work, as rows of one table.
 #pragma once
 
 #include <functional>
