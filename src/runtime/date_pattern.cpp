@@ -1,28 +1,39 @@
 #include "runtime/date_pattern.h"
 
 #include "runtime/conversions.h"
-#include "runtime/number_pattern.h"
 
 #include <QDate>
-#include <QVarLengthArray>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
 namespace runtime {
 namespace {
 
-enum class Part { Literal, Day, WeekdayName, Month, MonthName, Year, Hour, Minute, Second };
+void appendDigits(QString& text, int number, qsizetype width)
+{
+    std::array<char, 12> digits{};
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    const qsizetype count = end - digits.data();
+    for (qsizetype position = count; position < width; ++position) {
+        text += u'0';
+    }
+    text += QLatin1String(digits.data(), count);
+}
 
-struct Token {
-    Part part = Part::Literal;
-    QStringView text; ///< as it stands in the pattern; its length is the number of digits, or tells short from full
-};
+} // namespace
 
-/// A pattern is read anew for each date, and a report has thousands of them: so many tokens need no memory of the heap.
-using Tokens = QVarLengthArray<Token, 16>;
+DatePattern::DatePattern(const QString& pattern) : DatePattern(pattern, currentLocale()) {}
+
+DatePattern::DatePattern(const QString& pattern, const QLocale& locale) : pattern_(pattern), locale_(locale)
+{
+    read();
+    hasDay_ = has(Part::Day);
+}
 
 /// What a run of one letter stands for, e.g. "mmm".
-Part partOf(QChar letter, qsizetype length, Part previous)
+DatePattern::Part DatePattern::partOf(QChar letter, qsizetype length, Part previous)
 {
     const bool digits = length <= 2;
     const bool name = length == 3 || length == 4;
@@ -44,85 +55,77 @@ Part partOf(QChar letter, qsizetype length, Part previous)
     }
 }
 
-Tokens readPattern(QStringView pattern)
+void DatePattern::read()
 {
-    Tokens tokens;
     Part previous = Part::Literal; // the last part of a date, whatever stands between
     qsizetype start = 0;
-    while (start < pattern.size()) {
-        const QChar letter = pattern[start].toLower();
+    while (start < pattern_.size()) {
+        const QChar letter = pattern_.at(start).toLower();
         qsizetype end = start + 1;
-        while (end < pattern.size() && pattern[end].toLower() == letter) {
+        while (end < pattern_.size() && pattern_.at(end).toLower() == letter) {
             ++end;
         }
-        const Token token{partOf(letter, end - start, previous), pattern.sliced(start, end - start)};
+        const Token token{partOf(letter, end - start, previous), start, end - start};
         if (token.part != Part::Literal) {
             previous = token.part;
         }
-        tokens.append(token);
+        tokens_.append(token);
         start = end;
     }
-    return tokens;
 }
 
-QString digits(int number, qsizetype width)
+bool DatePattern::has(Part part) const
 {
-    return QString::number(number).rightJustified(width, QLatin1Char('0'));
+    return std::any_of(tokens_.begin(), tokens_.end(), [part](const Token& token) { return token.part == part; });
 }
 
-} // namespace
-
-bool isDatePattern(const QString& pattern)
+bool DatePattern::hasParts() const
 {
-    if (isNumberPattern(pattern)) {
-        return false;
-    }
-    const Tokens tokens = readPattern(pattern);
-    return std::any_of(tokens.begin(), tokens.end(), [](const Token& token) { return token.part != Part::Literal; });
+    return std::any_of(tokens_.begin(), tokens_.end(), [](const Token& token) { return token.part != Part::Literal; });
 }
 
-QString formatDate(Date date, const QString& pattern, const QLocale& locale)
+QString DatePattern::format(Date date) const
+{
+    QString text;
+    append(text, date);
+    return text;
+}
+
+void DatePattern::append(QString& text, Date date) const
 {
     const DateParts parts = partsOf(date);
-    const Tokens tokens = readPattern(pattern);
-    const bool hasDay =
-        std::any_of(tokens.begin(), tokens.end(), [](const Token& token) { return token.part == Part::Day; });
-
-    QString text;
-    for (const Token& token : tokens) {
-        const qsizetype length = token.text.size();
-        const auto form = length == 3 ? QLocale::ShortFormat : QLocale::LongFormat;
+    for (const Token& token : tokens_) {
+        const auto form = token.length == 3 ? QLocale::ShortFormat : QLocale::LongFormat;
         switch (token.part) {
         case Part::Literal:
-            text += token.text;
+            text += QStringView(pattern_).sliced(token.start, token.length);
             break;
         case Part::Day:
-            text += digits(parts.day, length);
+            appendDigits(text, parts.day, token.length);
             break;
         case Part::WeekdayName:
-            text += locale.dayName(QDate(parts.year, parts.month, parts.day).dayOfWeek(), form);
+            text += locale_.dayName(QDate(parts.year, parts.month, parts.day).dayOfWeek(), form);
             break;
         case Part::Month:
-            text += digits(parts.month, length);
+            appendDigits(text, parts.month, token.length);
             break;
         case Part::MonthName:
-            text += hasDay ? locale.monthName(parts.month, form) : locale.standaloneMonthName(parts.month, form);
+            text += hasDay_ ? locale_.monthName(parts.month, form) : locale_.standaloneMonthName(parts.month, form);
             break;
         case Part::Year:
-            text += digits(length == 2 ? parts.year % 100 : parts.year, length);
+            appendDigits(text, token.length == 2 ? parts.year % 100 : parts.year, token.length);
             break;
         case Part::Hour:
-            text += digits(parts.hour, length);
+            appendDigits(text, parts.hour, token.length);
             break;
         case Part::Minute:
-            text += digits(parts.minute, length);
+            appendDigits(text, parts.minute, token.length);
             break;
         case Part::Second:
-            text += digits(parts.second, length);
+            appendDigits(text, parts.second, token.length);
             break;
         }
     }
-    return text;
 }
 
 } // namespace runtime

@@ -244,10 +244,11 @@ std::optional<Date> parseDate(QStringView text, const QLocale& locale)
 
 QString dateToText(Date date)
 {
+    static const DatePattern day(QStringLiteral("dd/mm/yyyy"), QLocale::c());
+    static const DatePattern dayAndTime(QStringLiteral("dd/mm/yyyy hh:nn:ss"), QLocale::c());
     const DateParts parts = partsOf(date);
     const bool midnight = parts.hour == 0 && parts.minute == 0 && parts.second == 0;
-    return formatDate(date, midnight ? QStringLiteral("dd/mm/yyyy") : QStringLiteral("dd/mm/yyyy hh:nn:ss"),
-                      QLocale::c());
+    return (midnight ? day : dayAndTime).format(date);
 }
 
 } // namespace runtime

@@ -4,29 +4,19 @@
 #include "runtime/date_pattern.h"
 #include "runtime/date_text.h"
 #include "runtime/number_pattern.h"
-#include "runtime/number_text.h"
 
-#include <cmath>
+#include <optional>
 
 namespace runtime {
 namespace {
 
-QString formatAsNumber(const Value& value, const QString& pattern, const QLocale& locale)
+QString formatAsDate(const Value& value, const DatePattern& pattern)
 {
     if (const auto* text = std::get_if<QString>(&value)) {
-        const std::optional<double> number = parseNumber(*text, locale);
-        return number ? formatNumber(*number, pattern, locale) : *text;
+        const std::optional<Date> date = parseDate(*text, currentLocale());
+        return date ? pattern.format(*date) : *text;
     }
-    return formatNumber(toDouble(value), pattern, locale);
-}
-
-QString formatAsDate(const Value& value, const QString& pattern, const QLocale& locale)
-{
-    if (const auto* text = std::get_if<QString>(&value)) {
-        const std::optional<Date> date = parseDate(*text, locale);
-        return date ? formatDate(*date, pattern, locale) : *text;
-    }
-    return formatDate(toDate(value), pattern, locale);
+    return pattern.format(toDate(value));
 }
 
 } // namespace
@@ -39,11 +29,13 @@ QString format(const Value& value, const QString& pattern)
     if (pattern.isEmpty()) {
         return toText(value);
     }
-    const QLocale locale = currentLocale();
     if (isNumberPattern(pattern)) {
-        return formatAsNumber(value, pattern, locale);
+        QString text;
+        NumberPattern(pattern).append(text, value);
+        return text;
     }
-    return isDatePattern(pattern) ? formatAsDate(value, pattern, locale) : pattern;
+    const DatePattern dates(pattern);
+    return dates.hasParts() ? formatAsDate(value, dates) : pattern;
 }
 
 } // namespace runtime

@@ -1,52 +1,15 @@
 #include "runtime/number_pattern.h"
 
+#include "runtime/conversions.h"
 #include "runtime/decimal.h"
 #include "runtime/number_text.h"
 
 #include <cmath>
+#include <optional>
 #include <string>
 
 namespace runtime {
 namespace {
-
-struct NumberPattern {
-    QString before;
-    QString after;
-    std::size_t wholeDigits = 0;    ///< at least so many before the point
-    std::size_t fractionDigits = 0; ///< at least so many after it
-    int places = 0;                 ///< at most so many after it
-    int percentSigns = 0;
-    bool hasPoint = false;
-    bool grouped = false;
-};
-
-NumberPattern readPattern(const QString& text)
-{
-    NumberPattern pattern;
-    bool started = false;
-    for (const QChar character : text) {
-        if (character == u'0' || character == u'#') {
-            started = true;
-            if (pattern.hasPoint) {
-                ++pattern.places;
-                if (character == u'0') {
-                    pattern.fractionDigits = static_cast<std::size_t>(pattern.places);
-                }
-            } else if (character == u'0' || pattern.wholeDigits > 0) {
-                ++pattern.wholeDigits; // a place after a required one is required too
-            }
-        } else if (character == u'.' && !pattern.hasPoint) {
-            started = true;
-            pattern.hasPoint = true;
-        } else if (character == u',' && started && !pattern.hasPoint) {
-            pattern.grouped = true;
-        } else {
-            pattern.percentSigns += character == u'%' ? 1 : 0;
-            (started ? pattern.after : pattern.before) += character;
-        }
-    }
-    return pattern;
-}
 
 QString groupByThree(const std::string& digits, const QString& separator)
 {
@@ -64,33 +27,95 @@ bool isNumberPattern(const QString& pattern)
     return pattern.contains(u'0') || pattern.contains(u'#');
 }
 
-QString formatNumber(double number, const QString& pattern, const QLocale& locale)
+NumberPattern::NumberPattern(const QString& pattern) : NumberPattern(pattern, currentLocale()) {}
+
+NumberPattern::NumberPattern(const QString& pattern, const QLocale& locale)
+    : locale_(locale), decimalPoint_(locale.decimalPoint())
+{
+    read(pattern);
+}
+
+void NumberPattern::read(const QString& pattern)
+{
+    bool started = false;
+    for (const QChar character : pattern) {
+        if (character == u'0' || character == u'#') {
+            started = true;
+            if (hasPoint_) {
+                ++places_;
+                if (character == u'0') {
+                    fractionDigits_ = static_cast<std::size_t>(places_);
+                }
+            } else if (character == u'0' || wholeDigits_ > 0) {
+                ++wholeDigits_; // a place after a required one is required too
+            }
+        } else if (character == u'.' && !hasPoint_) {
+            started = true;
+            hasPoint_ = true;
+        } else if (character == u',' && started && !hasPoint_) {
+            grouped_ = true;
+        } else {
+            percentSigns_ += character == u'%' ? 1 : 0;
+            (started ? after_ : before_) += character;
+        }
+    }
+}
+
+QString NumberPattern::format(double number) const
+{
+    QString text;
+    append(text, number);
+    return text;
+}
+
+void NumberPattern::append(QString& text, double number) const
 {
     if (!std::isfinite(number)) {
-        return numberToText(number, locale);
+        text += numberToText(number, locale_);
+        return;
     }
-    const NumberPattern places = readPattern(pattern);
     Decimal decimal(number);
-    decimal.timesTenToThe(2 * places.percentSigns);
-    decimal.round(places.places);
+    decimal.timesTenToThe(2 * percentSigns_);
+    decimal.round(places_);
 
     std::string whole = decimal.wholeDigits();
-    if (whole.size() < places.wholeDigits) {
-        whole.insert(0, places.wholeDigits - whole.size(), '0');
+    if (whole.size() < wholeDigits_) {
+        whole.insert(0, wholeDigits_ - whole.size(), '0');
     }
-    std::string fraction = decimal.fractionDigits();
-    if (fraction.size() < places.fractionDigits) {
-        fraction.resize(places.fractionDigits, '0');
+    if (decimal.isNegative()) {
+        text += u'-';
     }
-
-    QString text = decimal.isNegative() ? QStringLiteral("-") : QString();
-    text += places.before;
-    text += places.grouped ? groupByThree(whole, locale.groupSeparator()) : QLatin1String(whole);
-    if (places.hasPoint) {
-        text += locale.decimalPoint();
+    text += before_;
+    if (grouped_) {
+        text += groupByThree(whole, locale_.groupSeparator());
+    } else {
+        text += QLatin1String(whole);
+    }
+    if (hasPoint_) {
+        std::string fraction = decimal.fractionDigits();
+        if (fraction.size() < fractionDigits_) {
+            fraction.resize(fractionDigits_, '0');
+        }
+        text += decimalPoint_;
         text += QLatin1String(fraction);
     }
-    return text + places.after;
+    text += after_;
+}
+
+void NumberPattern::append(QString& text, const Value& value) const
+{
+    if (isNull(value)) {
+        return;
+    }
+    if (const auto* written = std::get_if<QString>(&value)) {
+        if (const std::optional<double> number = parseNumber(*written, locale_)) {
+            append(text, *number);
+        } else {
+            text += *written;
+        }
+        return;
+    }
+    append(text, toDouble(value));
 }
 
 } // namespace runtime
