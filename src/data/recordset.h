@@ -35,6 +35,8 @@ public:
     [[nodiscard]] int fieldCount() const;
     [[nodiscard]] const Field& field(int position) const;
     [[nodiscard]] const Field& field(const QString& name) const; ///< without regard to case
+    /// For value() of many records: a name is looked for anew at each.
+    [[nodiscard]] int positionOf(const QString& name) const;
     [[nodiscard]] runtime::Value value(int position) const;
     [[nodiscard]] runtime::Value value(const QString& name) const;
 
@@ -51,7 +53,6 @@ public:
 private:
     struct State;
     [[nodiscard]] State& open() const;
-    [[nodiscard]] int positionOf(const QString& name) const;
     void requireUpdatable() const;
 
     std::unique_ptr<State> state_;

@@ -3,14 +3,15 @@
 #include "data/database.h"
 #include "reports/diary_hints.h"
 #include "reports/diary_totals.h"
+#include "reports/line_builder.h"
 #include "reports/modDisp.h"
 #include "reports/modTabs.h"
 #include "reports/shown_description.h"
 #include "runtime/conversions.h"
+#include "runtime/date_pattern.h"
 #include "runtime/format.h"
+#include "runtime/number_pattern.h"
 #include "runtime/run_time_error.h"
-
-#include <QStringList>
 
 #include <cmath>
 
@@ -26,32 +27,65 @@ using runtime::Value;
 /// What is shown of each meal beside its heading, its insulin and its readings.
 enum class Detail { FoodsAndTotals, Totals, None };
 
-Date timeOf(const Recordset& records)
-{
-    return runtime::toDate(records.value(QStringLiteral("When")));
-}
+/// Where the fields of a meal's food stand, looked up once for all records.
+struct MealFields {
+    explicit MealFields(const Recordset& meals)
+        : when(meals.positionOf(QStringLiteral("When"))), type(meals.positionOf(QStringLiteral("MealType"))),
+          dose(meals.positionOf(QStringLiteral("InsulinDosage"))),
+          description(meals.positionOf(QStringLiteral("Desc"))), quantity(meals.positionOf(QStringLiteral("Quantity"))),
+          energy(meals.positionOf(QStringLiteral("kCal"))), carbohydrate(meals.positionOf(QStringLiteral("Carb"))),
+          fat(meals.positionOf(QStringLiteral("Fat"))), protein(meals.positionOf(QStringLiteral("Prot")))
+    {
+    }
 
-Date mealTimeOf(const Recordset& meals)
+    int when;
+    int type;
+    int dose;
+    int description;
+    int quantity;
+    // For 100 g.
+    int energy;
+    int carbohydrate;
+    int fat;
+    int protein;
+};
+
+/// And those of a reading.
+struct HistoryFields {
+    explicit HistoryFields(const Recordset& history)
+        : when(history.positionOf(QStringLiteral("When"))), level(history.positionOf(QStringLiteral("Mmol"))),
+          type(history.positionOf(QStringLiteral("Type"))), comment(history.positionOf(QStringLiteral("Comment")))
+    {
+    }
+
+    int when;
+    int level;
+    int type;
+    int comment;
+};
+
+/// Read once for all lines.
+struct Patterns {
+    runtime::NumberPattern oneDecimal{QStringLiteral("#0.0")};
+    runtime::NumberPattern twoDecimals{QStringLiteral("#0.00")};
+    runtime::DatePattern mealTime{QStringLiteral("dddd dd mmmm yyyy hh:mm")};
+    runtime::DatePattern readingTime{QStringLiteral("dd mmm hh:mm")};
+    runtime::DatePattern difference{QStringLiteral("h:mm")};
+};
+
+Date requireMealTime(const Value& time)
 {
-    if (isNull(meals.value(QStringLiteral("When")))) {
+    if (isNull(time)) {
         throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noMealTimeHint());
     }
-    return timeOf(meals);
+    return runtime::toDate(time);
 }
 
-QString textOf(const Recordset& records, const QString& name)
+bool isSameDay(Date one, Date other)
 {
-    return runtime::toText(records.value(name));
-}
-
-QString dayOf(Date time)
-{
-    return runtime::format(time, QStringLiteral("dd/mmm/yyyy"));
-}
-
-QString oneDecimal(const Value& value)
-{
-    return runtime::format(value, QStringLiteral("#0.0"));
+    const runtime::DateParts left = runtime::partsOf(one);
+    const runtime::DateParts right = runtime::partsOf(other);
+    return left.day == right.day && left.month == right.month && left.year == right.year;
 }
 
 /// Of one food as eaten, from its figure for 100 g; null where there is none.
@@ -75,45 +109,48 @@ class Diary
 {
 public:
     Diary(ReportState& state, Recordset& meals, Recordset& history, Detail detail)
-        : state_(state), list_(state.lstView), meals_(meals), history_(history), detail_(detail)
+        : state_(state), list_(state.lstView), line_(state.lstView), totals_(state.lstView), meals_(meals),
+          history_(history), mealFields_(meals), historyFields_(history), detail_(detail)
     {
     }
 
     void run()
     {
-        PositionRSBeforeLastMeal(mealTimeOf(meals_));
+        PositionRSBeforeLastMeal(mealTime());
         while (!meals_.eof()) {
             addMeal();
         }
     }
 
 private:
+    [[nodiscard]] Date mealTime() const { return requireMealTime(meals_.value(mealFields_.when)); }
+    [[nodiscard]] Date readingTime() const { return runtime::toDate(history_.value(historyFields_.when)); }
+
     void addMeal()
     {
-        const Date mealTime = mealTimeOf(meals_);
-        const qint16 intIDose = currentDose(mealTime);
-        const QString strThisMealDay = dayOf(mealTime);
+        const Date time = mealTime();
+        const qint16 intIDose = currentDose(time);
 
-        AddMealHeaderToDisplay(mealTime);
-        const NutrientTotals meal = addFoods(mealTime);
+        AddMealHeaderToDisplay(time);
+        const NutrientTotals meal = addFoods(time);
         if (detail_ != Detail::None) {
-            AddMealTotalToDisplay(meal, mealTime);
+            AddMealTotalToDisplay(meal, time);
         }
         AddInsulinDetailsToDisplay(intIDose, meal.carbohydrate);
-        AddPostMealResultToDisplay(mealTime);
+        AddPostMealResultToDisplay(time);
         AddMealTotalToDay(meal);
         if (detail_ != Detail::None) {
-            AddDayTotalToDisplay(strThisMealDay, mealTime);
+            AddDayTotalToDisplay(time);
         }
     }
 
     /// Puts the history on the last reading at or before the meal. Its first reading counts as one, whenever it is.
-    void PositionRSBeforeLastMeal(Date mealTime)
+    void PositionRSBeforeLastMeal(Date meal)
     {
         const auto requireReading = [&] {
             if (history_.eof()) {
                 throw RunTimeError(ErrorNumber::NoCurrentRecord)
-                    .withHint(noLaterReadingHint(mealTime, history_.recordCount(), state_.strWhere));
+                    .withHint(noLaterReadingHint(meal, history_.recordCount(), state_.strWhere));
             }
         };
         requireReading();
@@ -121,166 +158,169 @@ private:
         do {
             history_.moveNext();
             requireReading();
-        } while (timeOf(history_).days <= mealTime.days);
+        } while (readingTime().days <= meal.days);
         history_.movePrevious();
     }
 
-    [[nodiscard]] qint16 currentDose(Date mealTime) const
+    [[nodiscard]] qint16 currentDose(Date meal) const
     {
-        const Value dose = meals_.value(QStringLiteral("InsulinDosage"));
+        const Value dose = meals_.value(mealFields_.dose);
         if (isNull(dose)) {
-            throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noDoseHint(mealTime));
+            throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noDoseHint(meal));
         }
         return runtime::toInteger(dose);
     }
 
-    void AddMealHeaderToDisplay(Date mealTime)
+    void AddMealHeaderToDisplay(Date meal)
     {
-        list_.addItem(textOf(meals_, QStringLiteral("MealType")) + u'\t' +
-                          runtime::format(mealTime, QStringLiteral("dddd dd mmmm yyyy hh:mm")) +
-                          QStringLiteral("\tkCal\tCarb\tFat\tProt\tGrams"),
-                      Bold);
+        line_.add(runtime::toText(meals_.value(mealFields_.type))).tab().add(meal, patterns_.mealTime);
+        line_.add(u"\tkCal\tCarb\tFat\tProt\tGrams").finish(Bold);
         list_.addItem(QString());
     }
 
     /// Goes through the records of one meal, to the next meal or the end.
-    NutrientTotals addFoods(Date mealTime)
+    NutrientTotals addFoods(Date time)
     {
         NutrientTotals meal;
         do {
-            AddFoodToMealCalcs(meal, mealTime);
+            AddFoodToMealCalcs(meal, time);
             if (detail_ == Detail::FoodsAndTotals) {
                 AddFoodToDisplay();
             }
             meals_.moveNext();
-        } while (!meals_.eof() && mealTimeOf(meals_) == mealTime);
+        } while (!meals_.eof() && mealTime() == time);
         return meal;
     }
 
-    void AddFoodToMealCalcs(NutrientTotals& meal, Date mealTime) const
+    void AddFoodToMealCalcs(NutrientTotals& meal, Date time) const
     {
-        const Value grams = meals_.value(QStringLiteral("Quantity"));
-        const auto add = [&](double& total, const QString& nutrient) {
+        const Value grams = meals_.value(mealFields_.quantity);
+        const auto add = [&](double& total, int nutrient) {
             const Value in100Grams = meals_.value(nutrient);
             if (isNull(in100Grams)) {
                 return;
             }
             if (isNull(grams)) {
-                throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noQuantityHint(mealTime));
+                throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noQuantityHint(time));
             }
             total += runtime::toDouble(portionOf(in100Grams, grams));
         };
-        add(meal.carbohydrate, QStringLiteral("Carb"));
-        add(meal.protein, QStringLiteral("Prot"));
-        add(meal.fat, QStringLiteral("Fat"));
-        add(meal.energy, QStringLiteral("kCal"));
+        add(meal.carbohydrate, mealFields_.carbohydrate);
+        add(meal.protein, mealFields_.protein);
+        add(meal.fat, mealFields_.fat);
+        add(meal.energy, mealFields_.energy);
     }
 
     void AddFoodToDisplay()
     {
-        const Value grams = meals_.value(QStringLiteral("Quantity"));
-        const auto portion = [&](const QString& nutrient) {
-            return oneDecimal(portionOf(meals_.value(nutrient), grams));
-        };
-        addColumns({QString(), shownDescription(textOf(meals_, QStringLiteral("Desc"))),
-                    portion(QStringLiteral("kCal")), portion(QStringLiteral("Carb")), portion(QStringLiteral("Fat")),
-                    portion(QStringLiteral("Prot")), oneDecimal(grams)});
+        const Value grams = meals_.value(mealFields_.quantity);
+        line_.tab().add(shownDescription(runtime::toText(meals_.value(mealFields_.description))));
+        for (const int nutrient :
+             {mealFields_.energy, mealFields_.carbohydrate, mealFields_.fat, mealFields_.protein}) {
+            line_.tab().add(portionOf(meals_.value(nutrient), grams), patterns_.oneDecimal);
+        }
+        line_.tab().add(grams, patterns_.oneDecimal).finish();
     }
 
-    void AddMealTotalToDisplay(const NutrientTotals& meal, Date mealTime)
+    void AddMealTotalToDisplay(const NutrientTotals& meal, Date time)
     {
         if (detail_ == Detail::FoodsAndTotals) {
             list_.addItem(QString());
         }
-        addTotals(list_, {QStringLiteral("Total"), QStringLiteral("Total %")}, meal, Plain,
-                  [mealTime] { return noEnergyHint(mealTime); });
+        totals_.add({QStringLiteral("Total"), QStringLiteral("Total %")}, meal, Plain,
+                    [time] { return noEnergyHint(time); });
         list_.addItem(QString());
     }
 
     void AddInsulinDetailsToDisplay(qint16 intIDose, double dblCarb)
     {
         if (intIDose != 0) {
-            list_.addItem(QStringLiteral("***\tInsulin (I) = ") + QString::number(intIDose) +
-                          QStringLiteral(" units, Carbs (C) = ") + oneDecimal(dblCarb) + QStringLiteral(" g, C/I = ") +
-                          runtime::format(dblCarb / intIDose, QStringLiteral("#0.00")));
+            line_.add(u"***\tInsulin (I) = ").add(QString::number(intIDose)).add(u" units, Carbs (C) = ");
+            line_.add(dblCarb, patterns_.oneDecimal).add(u" g, C/I = ").add(dblCarb / intIDose, patterns_.twoDecimals);
         } else {
-            list_.addItem(QStringLiteral("\tNo bosal insulin with this snack, Carbs = ") + oneDecimal(dblCarb));
+            line_.add(u"\tNo bosal insulin with this snack, Carbs = ").add(dblCarb, patterns_.oneDecimal);
         }
+        line_.finish();
         list_.addItem(QStringLiteral("\t\tTime\tMmol\tDrop\tReading Type"));
     }
 
     /// From the reading under the cursor, which the others are compared with, to the next meal or, after the last meal,
     /// to the end of its day. The cursor stays on the last reading listed: the one before the next meal.
-    void AddPostMealResultToDisplay(Date mealTime)
+    void AddPostMealResultToDisplay(Date meal)
     {
         const double reference = currentLevel();
-        const double limit = meals_.eof() ? std::trunc(mealTime.days) + 1 : mealTimeOf(meals_).days;
+        const double limit = meals_.eof() ? std::trunc(meal.days) + 1 : mealTime().days;
         do {
-            addReading(mealTime, reference);
+            addReading(meal, reference);
             history_.moveNext();
-        } while (!history_.eof() && timeOf(history_).days < limit);
+        } while (!history_.eof() && readingTime().days < limit);
         history_.movePrevious();
         list_.addItem(QString());
     }
 
-    void addReading(Date mealTime, double reference)
+    void addReading(Date meal, double reference)
     {
-        const Date time = timeOf(history_);
-        const Date difference{mealTime.days - time.days};
+        const Date time = readingTime();
+        const Date difference{meal.days - time.days};
         const bool beforeMeal = difference.days >= 0;
         const double level = currentLevel();
         const double change = level - reference;
-        addColumns({QString(),
-                    runtime::format(time, QStringLiteral("dd mmm hh:mm")) +
-                        (beforeMeal ? QStringLiteral(" pre meal by") : QString()),
-                    runtime::format(difference, QStringLiteral("h:mm")), oneDecimal(level), oneDecimal(change),
-                    textOf(history_, QStringLiteral("Type")), textOf(history_, QStringLiteral("Comment"))},
-                   beforeMeal ? Green : styleOf(change));
+        line_.tab().add(time, patterns_.readingTime).add(beforeMeal ? u" pre meal by" : u"");
+        line_.tab().add(difference, patterns_.difference);
+        line_.tab().add(level, patterns_.oneDecimal).tab().add(change, patterns_.oneDecimal);
+        for (const int field : {historyFields_.type, historyFields_.comment}) {
+            line_.tab().add(runtime::toText(history_.value(field)));
+        }
+        line_.finish(beforeMeal ? Green : styleOf(change));
     }
 
     [[nodiscard]] double currentLevel() const
     {
-        const Value level = history_.value(QStringLiteral("Mmol"));
+        const Value level = history_.value(historyFields_.level);
         if (isNull(level)) {
-            throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noLevelHint(timeOf(history_)));
+            throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noLevelHint(readingTime()));
         }
         return runtime::toDouble(level);
     }
 
     void AddMealTotalToDay(const NutrientTotals& meal) { state_.dayTotals += meal; }
 
-    void AddDayTotalToDisplay(const QString& strThisMealDay, Date mealTime)
+    /// Once the day's last meal is there.
+    void AddDayTotalToDisplay(Date meal)
     {
-        if (meals_.eof() || dayOf(mealTimeOf(meals_)) != strThisMealDay) {
-            DisplayTotals(mealTime);
+        if (meals_.eof() || !isSameDay(mealTime(), meal)) {
+            DisplayTotals(meal);
         }
     }
 
-    void DisplayTotals(Date mealTime)
+    void DisplayTotals(Date lastMeal)
     {
         list_.addItem(QString());
-        addTotals(list_, {QStringLiteral("Day Total kCal/gms/gms/gms"), QStringLiteral("Day Total %")},
-                  state_.dayTotals, Bold, [mealTime] { return noEnergyOfDayHint(mealTime); });
+        totals_.add({QStringLiteral("Day Total kCal/gms/gms/gms"), QStringLiteral("Day Total %")}, state_.dayTotals,
+                    Bold, [lastMeal] { return noEnergyOfDayHint(lastMeal); });
         list_.addItem(QString());
         list_.addItem(kPageSeparator);
         list_.addItem(QString());
         state_.dayTotals = {};
     }
 
-    void addColumns(const QStringList& columns, Style style = Plain) { list_.addItem(columns.join(u'\t'), style); }
-
     ReportState& state_;
     ReportList& list_;
+    LineBuilder line_;
+    TotalsLines totals_;
+    Patterns patterns_;
     Recordset& meals_;
     Recordset& history_;
+    MealFields mealFields_;
+    HistoryFields historyFields_;
     Detail detail_;
 };
 
 /// The readings from the day before the first meal on.
 QString historyFrom(Date firstMeal)
 {
-    return QStringLiteral("Select * from ExcelHistory where When > Cdate('") + dayOf(Date{firstMeal.days - 1}) +
-           QStringLiteral("')");
+    return QStringLiteral("Select * from ExcelHistory where When > Cdate('") +
+           runtime::format(Date{firstMeal.days - 1}, QStringLiteral("dd/mmm/yyyy")) + QStringLiteral("')");
 }
 
 void build(ReportState& state, Detail detail)
@@ -293,7 +333,8 @@ void build(ReportState& state, Detail detail)
     if (meals.recordCount() == 0) {
         return;
     }
-    Recordset history = database.openRecordset(historyFrom(mealTimeOf(meals)));
+    const Date firstMeal = requireMealTime(meals.value(QStringLiteral("When")));
+    Recordset history = database.openRecordset(historyFrom(firstMeal));
     Diary(state, meals, history, detail).run();
 }
 

@@ -113,6 +113,7 @@ TEST_F(RecordsetCursor, FieldsHaveNamesTypesAndSizes)
     EXPECT_EQ(errorIn([&] { static_cast<void>(readings.field(5)); }), 3265);
     EXPECT_EQ(errorIn([&] { static_cast<void>(readings.field(-1)); }), 3265);
     EXPECT_EQ(errorIn([&] { static_cast<void>(readings.value(SQL("Nothing"))); }), 3265);
+    EXPECT_EQ(errorIn([&] { static_cast<void>(readings.positionOf(SQL("Nothing"))); }), 3265);
 }
 
 TEST_F(RecordsetCursor, UseAfterCloseIsAnInvalidObject)
