@@ -144,7 +144,7 @@ std::optional<BoundRecord::Refusal> BoundRecord::store()
             throw;
         }
         if (error.code() != ErrorNumber::RecordDeleted) {
-            throw runtime::withSentence(error, QStringLiteral("The change was not stored."));
+            throw error.withAddedHint(QStringLiteral("The change was not stored."));
         }
     }
     leaveDeleted();

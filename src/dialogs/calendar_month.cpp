@@ -1,5 +1,6 @@
 #include "dialogs/calendar_month.h"
 
+#include "runtime/calendar.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/format.h"

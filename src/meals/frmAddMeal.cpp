@@ -45,8 +45,9 @@ const QList<double>& tabStops()
 
 double doseOf(const QString& typed)
 {
-    return runtime::withHint(QStringLiteral("The insulin dose is not a number: type it first, then choose this again."),
-                             [&] { return runtime::toDouble(typed); });
+    return runtime::withHintOnError(
+        QStringLiteral("The insulin dose is not a number: type it first, then choose this again."),
+        [&] { return runtime::toDouble(typed); });
 }
 
 void moveFocusAndSelectAll(QLineEdit& field)

@@ -32,8 +32,8 @@ QString share(double energy, double totalEnergy)
 
 double gramsIn(const QString& typed)
 {
-    return runtime::withHint(QStringLiteral("The quantity \"%1\" is not a number of grams.").arg(typed),
-                             [&] { return runtime::toDouble(typed); });
+    return runtime::withHintOnError(QStringLiteral("The quantity \"%1\" is not a number of grams.").arg(typed),
+                                    [&] { return runtime::toDouble(typed); });
 }
 
 QString firstColumn(const QString& line)

@@ -21,13 +21,13 @@ data::Recordset newMeal(data::Database& database, const MealEntry& entry)
 {
     data::Recordset meal = database.openRecordset(QStringLiteral("Select * from Meals where MealNo = -999999"));
     meal.addNew();
-    const runtime::Date time = runtime::withHint(QStringLiteral("The date or the time is not one."), [&] {
+    const runtime::Date time = runtime::withHintOnError(QStringLiteral("The date or the time is not one."), [&] {
         return runtime::Date{runtime::toDate(entry.date).days + runtime::toDate(entry.time).days};
     });
     meal.set(QStringLiteral("MealTime"), time);
     meal.set(QStringLiteral("MealDescription"), qint32{entry.type.value_or(0)});
-    runtime::withHint(QStringLiteral("The insulin dose is not a number from -32768 to 32767."),
-                      [&] { meal.set(QStringLiteral("Insulin Dosage"), entry.insulinDose); });
+    runtime::withHintOnError(QStringLiteral("The insulin dose is not a number from -32768 to 32767."),
+                             [&] { meal.set(QStringLiteral("Insulin Dosage"), entry.insulinDose); });
     return meal;
 }
 
@@ -133,7 +133,7 @@ qint32 saveMeal(const QString& diaryPath, const MealEntry& entry, const MealShee
         }
         return mealNumber;
     } catch (const RunTimeError& error) {
-        throw runtime::withSentence(error, outcome);
+        throw error.withAddedHint(outcome);
     }
 }
 

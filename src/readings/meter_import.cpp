@@ -71,8 +71,8 @@ public:
             return;
         }
         const QString moment = date + u' ' + fieldAt(TimeField, fields).mid(1);
-        const runtime::Date time = runtime::withHint(QStringLiteral("Its date and time together are not a moment."),
-                                                     [&] { return runtime::toDate(moment); });
+        const runtime::Date time = runtime::withHintOnError(
+            QStringLiteral("Its date and time together are not a moment."), [&] { return runtime::toDate(moment); });
         if (cutOff().days < time.days) {
             add(time, levelIn(fieldAt(LevelField, fields)));
         }
@@ -86,8 +86,8 @@ private:
     runtime::Date cutOff()
     {
         if (!cutOff_) {
-            cutOff_ = runtime::withHint(QStringLiteral("The cut-off \"%1\" is not a date and time.").arg(after_),
-                                        [&] { return runtime::toDate(after_); });
+            cutOff_ = runtime::withHintOnError(QStringLiteral("The cut-off \"%1\" is not a date and time.").arg(after_),
+                                               [&] { return runtime::toDate(after_); });
         }
         return *cutOff_;
     }

@@ -1,6 +1,7 @@
 #include "readings/reading_entry.h"
 
 #include "data/database.h"
+#include "runtime/calendar.h"
 #include "runtime/conversions.h"
 #include "runtime/error_hints.h"
 
@@ -42,14 +43,15 @@ void saveReading(const QString& diaryPath, const ReadingEntry& entry)
     data::Recordset reading =
         database.openRecordset(QStringLiteral("Select * from BloodSugarLevels where BloodSugerNo = -1"));
     reading.addNew();
-    const double level = runtime::withHint(QStringLiteral("The blood sugar level is not a number. Nothing was stored."),
-                                           [&] { return runtime::toDouble(entry.level); });
+    const double level =
+        runtime::withHintOnError(QStringLiteral("The blood sugar level is not a number. Nothing was stored."),
+                                 [&] { return runtime::toDouble(entry.level); });
     const runtime::Date day =
-        runtime::withHint(QStringLiteral("The date is not one: type day, month and year. Nothing was stored."),
-                          [&] { return runtime::toDate(entry.date); });
+        runtime::withHintOnError(QStringLiteral("The date is not one: type day, month and year. Nothing was stored."),
+                                 [&] { return runtime::toDate(entry.date); });
     const runtime::Date timeOfDay =
-        runtime::withHint(QStringLiteral("The time is not one: type hours and minutes. Nothing was stored."),
-                          [&] { return runtime::toDate(entry.time); });
+        runtime::withHintOnError(QStringLiteral("The time is not one: type hours and minutes. Nothing was stored."),
+                                 [&] { return runtime::toDate(entry.time); });
     reading.set(QStringLiteral("BloodSugerLevel"), level);
     reading.set(QStringLiteral("ReadingTime"), runtime::Date{day.days + timeOfDay.days});
     reading.set(QStringLiteral("ReadingType"), qint32{entry.type});

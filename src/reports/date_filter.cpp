@@ -1,6 +1,6 @@
 #include "reports/date_filter.h"
 
-#include "runtime/conversions.h"
+#include "runtime/calendar.h"
 #include "runtime/format.h"
 
 #include <algorithm>

@@ -7,6 +7,7 @@
 #include "reports/modDisp.h"
 #include "reports/modTabs.h"
 #include "reports/shown_description.h"
+#include "runtime/calendar.h"
 #include "runtime/conversions.h"
 #include "runtime/date_pattern.h"
 #include "runtime/format.h"

@@ -1,6 +1,5 @@
-// Day numbers to calendar dates and back.
+#include "runtime/calendar.h"
 
-#include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
 
 #include <chrono>

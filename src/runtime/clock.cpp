@@ -1,6 +1,6 @@
 #include "runtime/clock.h"
 
-#include "runtime/conversions.h"
+#include "runtime/calendar.h"
 
 #include <QDateTime>
 

@@ -1,5 +1,6 @@
 #include "runtime/conversions.h"
 
+#include "runtime/calendar.h"
 #include "runtime/date_text.h"
 #include "runtime/number_text.h"
 #include "runtime/run_time_error.h"

@@ -6,8 +6,6 @@
 #include <QLocale>
 #include <QString>
 
-#include <optional>
-
 namespace runtime {
 
 /// The locale in force: decimal sign, names of months and weekdays. QLocale() (the user's) unless a test sets another.
@@ -29,19 +27,5 @@ namespace runtime {
 /// number in up to 15 significant digits with the decimal sign of the locale in force; true and false as "True" and
 /// "False"; bytes as hexadecimal digits. A date outside the years 100 to 9999 is an overflow (6).
 [[nodiscard]] QString toText(const Value& value);
-
-/// Calendar parts of a date, after rounding to the nearest second.
-struct DateParts {
-    int year = 1899;
-    int month = 12;
-    int day = 30;
-    int hour = 0;
-    int minute = 0;
-    int second = 0;
-};
-/// 6 overflow outside the years 100 to 9999.
-[[nodiscard]] DateParts partsOf(Date date);
-/// Null when there is no such day (years 100 to 9999).
-[[nodiscard]] std::optional<Date> dateFromParts(const DateParts& parts);
 
 } // namespace runtime

@@ -1,5 +1,6 @@
 #include "runtime/date_pattern.h"
 
+#include "runtime/calendar.h"
 #include "runtime/conversions.h"
 
 #include <QDate>

@@ -1,6 +1,6 @@
 #include "runtime/date_text.h"
 
-#include "runtime/conversions.h"
+#include "runtime/calendar.h"
 #include "runtime/date_pattern.h"
 
 #include <QStringList>

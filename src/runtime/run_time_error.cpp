@@ -30,6 +30,8 @@ QString usualWords(ErrorNumber number)
         return QStringLiteral("Invalid file format");
     case ErrorNumber::PrinterError:
         return QStringLiteral("Printer error");
+    case ErrorNumber::UpdateWithoutEdit:
+        return QStringLiteral("Update or CancelUpdate without AddNew or Edit.");
     case ErrorNumber::NoCurrentRecord:
         return QStringLiteral("No current record.");
     case ErrorNumber::DuplicateKey:
@@ -48,30 +50,16 @@ QString usualWords(ErrorNumber number)
         return QStringLiteral("Cannot open the file.");
     case ErrorNumber::NullNotAllowed:
         return QStringLiteral("An index or primary key cannot contain a Null value.");
-    case ErrorNumber::QuerySyntax:
-        return QStringLiteral("Syntax error in query expression.");
-    case ErrorNumber::UnknownTableOrQuery:
-        return QStringLiteral("Cannot find the input table or query.");
-    case ErrorNumber::FieldTooSmall:
-        return QStringLiteral("The field is too small for the data.");
-    case ErrorNumber::HasRelatedRecords:
-        return QStringLiteral("The record cannot be deleted or changed: related records depend on it.");
-    case ErrorNumber::RelatedRecordRequired:
-        return QStringLiteral("The record cannot be added or changed: a related record is required.");
-    case ErrorNumber::ItemNotFound:
-        return QStringLiteral("Item not found in this collection.");
-    case ErrorNumber::UnrecognisedFormat:
-        return QStringLiteral("Unrecognized database format.");
-    case ErrorNumber::ObjectInvalid:
-        return QStringLiteral("Object invalid or no longer set.");
-    case ErrorNumber::UpdateWithoutEdit:
-        return QStringLiteral("Update or CancelUpdate without AddNew or Edit.");
     case ErrorNumber::TooFewParameters:
         return QStringLiteral("Too few parameters. Expected 1.");
     case ErrorNumber::DuplicateOutputName:
         return QStringLiteral("Duplicate output alias.");
     case ErrorNumber::CannotExecuteSelect:
         return QStringLiteral("Cannot execute a select query.");
+    case ErrorNumber::QuerySyntax:
+        return QStringLiteral("Syntax error in query expression.");
+    case ErrorNumber::UnknownTableOrQuery:
+        return QStringLiteral("Cannot find the input table or query.");
     case ErrorNumber::AmbiguousField:
         return QStringLiteral("The specified field could refer to more than one table listed in the FROM clause.");
     case ErrorNumber::UndefinedFunction:
@@ -82,18 +70,30 @@ QString usualWords(ErrorNumber number)
         return QStringLiteral("The expression is neither grouped nor part of an aggregate function.");
     case ErrorNumber::TableToDeleteMissing:
         return QStringLiteral("Specify the table containing the records you want to delete.");
+    case ErrorNumber::FieldTooSmall:
+        return QStringLiteral("The field is too small for the data.");
     case ErrorNumber::RecordDeleted:
         return QStringLiteral("Record is deleted.");
     case ErrorNumber::DataChanged:
         return QStringLiteral("Data has changed; operation stopped.");
+    case ErrorNumber::HasRelatedRecords:
+        return QStringLiteral("The record cannot be deleted or changed: related records depend on it.");
+    case ErrorNumber::RelatedRecordRequired:
+        return QStringLiteral("The record cannot be added or changed: a related record is required.");
     case ErrorNumber::InvalidOperation:
         return QStringLiteral("Invalid operation.");
+    case ErrorNumber::ItemNotFound:
+        return QStringLiteral("Item not found in this collection.");
     case ErrorNumber::UnionColumnsDiffer:
         return QStringLiteral("The number of columns in the queries of a union do not match.");
+    case ErrorNumber::UnrecognisedFormat:
+        return QStringLiteral("Unrecognized database format.");
     case ErrorNumber::MoreThanOneRecord:
         return QStringLiteral("At most one record can be returned by this subquery.");
     case ErrorNumber::QueryTooComplex:
         return QStringLiteral("Query is too complex.");
+    case ErrorNumber::ObjectInvalid:
+        return QStringLiteral("Object invalid or no longer set.");
     case ErrorNumber::CriteriaTypeMismatch:
         return QStringLiteral("Data type mismatch in criteria expression.");
     }
@@ -113,6 +113,11 @@ RunTimeError::RunTimeError(ErrorNumber number) : RunTimeError(number, usualWords
 RunTimeError RunTimeError::withHint(const QString& hint) const
 {
     return {number_, words_, hint};
+}
+
+RunTimeError RunTimeError::withAddedHint(const QString& sentence) const
+{
+    return withHint((hint_ + u' ' + sentence).trimmed());
 }
 
 QString RunTimeError::text() const

@@ -8,6 +8,7 @@
 
 namespace runtime {
 
+/// In the order of the numbers.
 enum class ErrorNumber {
     InvalidProcedureCall = 5,
     Overflow = 6,
@@ -20,38 +21,38 @@ enum class ErrorNumber {
     InvalidUseOfNull = 94,
     InvalidFileFormat = 321,
     PrinterError = 482,
+    UpdateWithoutEdit = 3020,
     NoCurrentRecord = 3021,
     DuplicateKey = 3022,
     FileNotFound = 3024,
-    CannotOpenFile = 3051,
-    ReadOnly = 3027,
-    FileInUse = 3045,
-    NullNotAllowed = 3058,
-    QuerySyntax = 3075,
-    UnknownTableOrQuery = 3078,
-    FieldTooSmall = 3163,
-    HasRelatedRecords = 3200,
-    RelatedRecordRequired = 3201,
-    ItemNotFound = 3265,
-    DiskError = 3043,
     DiskFull = 3026,
-    UnrecognisedFormat = 3343,
-    ObjectInvalid = 3420,
-    UpdateWithoutEdit = 3020,
+    ReadOnly = 3027,
+    DiskError = 3043,
+    FileInUse = 3045,
+    CannotOpenFile = 3051,
+    NullNotAllowed = 3058,
     TooFewParameters = 3061,
     DuplicateOutputName = 3063,
     CannotExecuteSelect = 3065,
+    QuerySyntax = 3075,
+    UnknownTableOrQuery = 3078,
     AmbiguousField = 3079,
     UndefinedFunction = 3085,
     CircularReference = 3102,
     NotPartOfAggregate = 3122,
     TableToDeleteMissing = 3128,
+    FieldTooSmall = 3163,
     RecordDeleted = 3167,
     DataChanged = 3197,
+    HasRelatedRecords = 3200,
+    RelatedRecordRequired = 3201,
     InvalidOperation = 3219,
+    ItemNotFound = 3265,
     UnionColumnsDiffer = 3307,
+    UnrecognisedFormat = 3343,
     MoreThanOneRecord = 3354,
     QueryTooComplex = 3360,
+    ObjectInvalid = 3420,
     CriteriaTypeMismatch = 3464,
 };
 
@@ -69,8 +70,10 @@ public:
     [[nodiscard]] ErrorNumber code() const { return number_; }
     [[nodiscard]] const QString& words() const { return words_; }
     [[nodiscard]] const QString& hint() const { return hint_; }
-    /// The same error with a hint, for a caller that knows more.
+    /// The same error with this hint in the place of its own, for a caller that knows more.
     [[nodiscard]] RunTimeError withHint(const QString& hint) const;
+    /// The same error, its hint followed by one more sentence.
+    [[nodiscard]] RunTimeError withAddedHint(const QString& sentence) const;
     /// What the box shows: "Run-time error '3021':", an empty line, the words, and where there is one an empty line and
     /// the hint.
     [[nodiscard]] QString text() const;

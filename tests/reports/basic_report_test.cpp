@@ -2,6 +2,7 @@
 
 #include "data/database.h"
 #include "reports/date_filter.h"
+#include "runtime/calendar.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
 #include "support/run_time_errors.h"

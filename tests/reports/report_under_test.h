@@ -3,6 +3,7 @@
 
 #include "data/database.h"
 #include "reports/report_state.h"
+#include "runtime/calendar.h"
 #include "runtime/conversions.h"
 #include "support/run_time_errors.h"
 #include "support/test_diary.h"

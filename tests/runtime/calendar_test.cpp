@@ -1,5 +1,5 @@
+#include "runtime/calendar.h"
 #include "runtime/clock.h"
-#include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
 
 #include <gtest/gtest.h>

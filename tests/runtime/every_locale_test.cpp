@@ -1,5 +1,6 @@
 // What the program shows in a field must be taken back from it, wherever the user lives.
 
+#include "runtime/calendar.h"
 #include "runtime/conversions.h"
 #include "runtime/format.h"
 #include "runtime/locale_in_force.h"

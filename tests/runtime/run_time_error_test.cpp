@@ -1,3 +1,4 @@
+#include "runtime/error_hints.h"
 #include "runtime/run_time_error.h"
 
 #include <gtest/gtest.h>
@@ -36,6 +37,30 @@ TEST(RunTimeError, ShowsNumberThenWordsThenHint)
     const RunTimeError hinted = plain.withHint(QStringLiteral("There is no reading yet."));
     EXPECT_EQ(hinted.text().toStdString(), "Run-time error '3021':\n\nNo current record.\n\nThere is no reading yet.");
     EXPECT_EQ(hinted.code(), ErrorNumber::NoCurrentRecord);
+}
+
+TEST(RunTimeError, TakesAHintInThePlaceOfItsOwnOrBehindIt)
+{
+    const RunTimeError error = RunTimeError(ErrorNumber::Overflow).withHint(QStringLiteral("The dose is too large."));
+    EXPECT_EQ(error.withHint(QStringLiteral("Type it again.")).hint().toStdString(), "Type it again.");
+    EXPECT_EQ(error.withAddedHint(QStringLiteral("Type it again.")).hint().toStdString(),
+              "The dose is too large. Type it again.");
+    EXPECT_EQ(RunTimeError(ErrorNumber::Overflow).withAddedHint(QStringLiteral("Type it again.")).hint().toStdString(),
+              "Type it again.");
+}
+
+TEST(RunTimeError, OfAnActionLeavesWithTheCallersHint)
+{
+    const QString hint = QStringLiteral("The dose is not a number.");
+    EXPECT_EQ(withHintOnError(hint, [] { return 7; }), 7);
+    try {
+        withHintOnError(
+            hint, [] { throw RunTimeError(ErrorNumber::TypeMismatch).withHint(QStringLiteral("Something else.")); });
+        FAIL() << "nothing was thrown";
+    } catch (const RunTimeError& error) {
+        EXPECT_EQ(error.code(), ErrorNumber::TypeMismatch);
+        EXPECT_EQ(error.hint().toStdString(), hint.toStdString());
+    }
 }
 
 TEST(RunTimeError, TellsAPlainProgramItsNumberAndWords)

@@ -1,5 +1,6 @@
 #include "data/functions/date_interval.h"
 
+#include "runtime/calendar.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
 

@@ -1,5 +1,6 @@
 #include "data/language/date_literal.h"
 
+#include "runtime/calendar.h"
 #include "runtime/conversions.h"
 
 #include <QRegularExpression>
