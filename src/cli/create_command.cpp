@@ -64,7 +64,7 @@ Command createCommand()
           QStringLiteral("CSV")},
          {QStringLiteral("no-foods"), QStringLiteral("Fill in no foods.")},
          {QStringLiteral("sample"),
-          QStringLiteral("Add so many invented days up to today: readings, meals and doses to try the program with."),
+          QStringLiteral("Add so many invented days up to yesterday: readings, meals and doses to try the program with."),
           QStringLiteral("DAYS")}},
         create};
 }

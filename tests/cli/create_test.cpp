@@ -116,7 +116,7 @@ TEST_F(Create, AFolderThatIsNotThereIsAFault)
     EXPECT_THAT(outcome.err, StartsWith("quillonctl: Run-time error '"));
 }
 
-TEST_F(Create, SampleDaysEndToday)
+TEST_F(Create, SampleDaysEndYesterday)
 {
     const QString file = path("Nutrition.mdb");
     const QDate today = QDate::currentDate();
@@ -140,8 +140,8 @@ TEST_F(Create, SampleDaysEndToday)
     const auto hasDay = [&](const QDate& day) {
         return days.count(day.toString(QStringLiteral("dd/MM/yyyy")).toStdString()) == 1;
     };
-    EXPECT_TRUE(hasDay(today) || hasDay(QDate::currentDate()));
-    EXPECT_TRUE(hasDay(today.addDays(-4)) || hasDay(QDate::currentDate().addDays(-4)));
+    EXPECT_TRUE(hasDay(today.addDays(-1)) || hasDay(QDate::currentDate().addDays(-1)));
+    EXPECT_TRUE(hasDay(today.addDays(-5)) || hasDay(QDate::currentDate().addDays(-5)));
     EXPECT_GT(dump(file, "Meals").size(), 5U);
     EXPECT_GT(dump(file, "MealContent").size(), 5U);
     EXPECT_EQ(quillonctl({QStringLiteral("check"), file}).status, 0);

@@ -150,7 +150,8 @@ NewDiaryContent fill(const std::string& path, const FoodTable& foods, const NewD
     jet::Transaction transaction(*file);
     makeSchema(*file, foods);
     addFoods(*file, foods);
-    addSampleDays(*file, foods, static_cast<int>(std::floor(now.days)), diary.sampleDays, content);
+    const int yesterday = static_cast<int>(std::floor(now.days)) - 1;
+    addSampleDays(*file, foods, yesterday, diary.sampleDays, content);
     transaction.commit();
     return content;
 }

@@ -10,7 +10,7 @@ namespace data {
 struct NewDiary {
     QString path;
     QString foodsCsv;   ///< the food table to fill in; empty: no foods
-    int sampleDays = 0; ///< so many invented days up to today, today included
+    int sampleDays = 0; ///< so many invented days up to yesterday: of today, some would lie ahead
 };
 
 struct NewDiaryContent {

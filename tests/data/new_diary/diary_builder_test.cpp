@@ -125,13 +125,13 @@ TEST_F(DiaryBuilder, EveryFoodOfTheTableIsThereWithItsFigures)
     }
 }
 
-TEST_F(DiaryBuilder, SampleDaysEndToday)
+TEST_F(DiaryBuilder, SampleDaysEndYesterday)
 {
     const data::NewDiaryContent content = create(QStringLiteral(QUILLON_FOODS), 14);
     const QList<runtime::Value> times = column(QStringLiteral("ExcelHistory"), QStringLiteral("When"));
     EXPECT_EQ(times.size(), content.readings);
-    EXPECT_EQ(std::floor(std::get<runtime::Date>(times.first()).days), 46334);
-    EXPECT_EQ(std::floor(std::get<runtime::Date>(times.last()).days), 46347);
+    EXPECT_EQ(std::floor(std::get<runtime::Date>(times.first()).days), 46333);
+    EXPECT_EQ(std::floor(std::get<runtime::Date>(times.last()).days), 46346);
     EXPECT_EQ(column(QStringLiteral("Meals"), QStringLiteral("MealNo")).size(), content.meals);
     Database database(path());
     EXPECT_EQ(database.check(), QStringList());
