@@ -4,9 +4,9 @@ target_compile_options(quillon_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
   -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 if(QUILLON_SANITIZE)
-  target_compile_options(quillon_options INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_link_options(quillon_options INTERFACE -fsanitize=address,undefined)
+  # Options of the folder, which a folder below can take back in part.
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
 endif()
 if(QUILLON_FUZZERS)
   # libFuzzer is led by the coverage of all code; the fuzz targets alone link its main.
