@@ -40,7 +40,21 @@ void TableCursor::search(int number, std::string_view values, std::span<sqlite3_
 
 void TableCursor::next()
 {
-    row_ = rows_ != nullptr && rows_->next() ? &rows_->row() : nullptr;
+    row_ = nullptr;
+    if (rows_ != nullptr && rows_->next()) {
+        walked_.show(rows_->row());
+        row_ = &walked_;
+    }
+}
+
+const jet::Value& TableCursor::value(std::size_t column)
+{
+    const jet::Column& asked = binding_->columns[column];
+    if (asked.isLongValue()) {
+        longValue_ = row_->row().value(asked);
+        return longValue_;
+    }
+    return row_->value(asked);
 }
 
 void TableCursor::walk(std::unique_ptr<jet::RowCursor> rows)
@@ -61,7 +75,7 @@ void TableCursor::findByKey(int number, std::string_view values, sqlite3_value* 
     auto found = kept_.find(wanted);
     if (found == kept_.end()) {
         walk(rowsOf(number, values, std::span(&key, 1)));
-        std::unique_ptr<jet::Row> row = atEnd() ? nullptr : binding_->table.read(row_->address());
+        std::unique_ptr<jet::Row> row = atEnd() ? nullptr : binding_->table.read(address());
         if (row != nullptr) {
             next();
         }
@@ -69,10 +83,10 @@ void TableCursor::findByKey(int number, std::string_view values, sqlite3_value* 
             walk(rowsOf(number, values, std::span(&key, 1)));
             return;
         }
-        found = kept_.emplace(wanted, std::move(row)).first;
+        found = kept_.try_emplace(wanted, std::move(row)).first;
         rows_.reset();
     }
-    row_ = found->second.get();
+    row_ = &found->second;
 }
 
 std::unique_ptr<jet::RowCursor> TableCursor::rowsOf(int number, std::string_view values,

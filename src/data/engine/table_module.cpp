@@ -203,9 +203,9 @@ int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int position)
     return cursor.binding.pending.guard([&] {
         const auto index = static_cast<std::size_t>(position);
         if (index >= cursor.binding.columns.size()) {
-            sqlite3_result_int64(context, rowIdOf(cursor.rows.row().address()));
+            sqlite3_result_int64(context, rowIdOf(cursor.rows.address()));
         } else {
-            setResult(context, cursor.rows.row().value(cursor.binding.columns[index]));
+            setResult(context, cursor.rows.value(index));
         }
     });
 }
@@ -213,7 +213,7 @@ int column(sqlite3_vtab_cursor* base, sqlite3_context* context, int position)
 int rowId(sqlite3_vtab_cursor* base, sqlite3_int64* id)
 {
     VirtualCursor& cursor = cursorOf(base);
-    return cursor.binding.pending.guard([&] { *id = rowIdOf(cursor.rows.row().address()); });
+    return cursor.binding.pending.guard([&] { *id = rowIdOf(cursor.rows.address()); });
 }
 
 /// No xCreate: the module's name is the table's, and nothing has to be created.
