@@ -2,20 +2,22 @@
 #include "readings/meter_import.h"
 #include "runtime/conversions.h"
 
+#include <optional>
+
 namespace cli {
 namespace {
 
 const QString kAfter = QStringLiteral("after");
 
-QString cutOffFor(const Call& call)
+/// What --after says; without it the import goes on after the latest reading, of which there must be one.
+std::optional<QString> cutOffFor(const Call& call)
 {
     if (!call.options.isSet(kAfter)) {
-        const QString latest = readings::latestReading(call.arguments.at(0));
-        if (latest.isEmpty()) {
+        if (readings::latestReading(call.arguments.at(0)).isEmpty()) {
             throw UsageError(QStringLiteral("The diary has no reading yet: say with --after \"dd/mm/yyyy hh:mm\" after "
                                             "which moment to import."));
         }
-        return latest;
+        return std::nullopt;
     }
     const QString typed = call.options.value(kAfter);
     if (!runtime::isDate(typed)) {

@@ -123,6 +123,13 @@ void commit(data::Database::Batch& batch)
     }
 }
 
+/// The latest stored moment; empty when there is none.
+QString latestIn(data::Database& database, const QString& pattern)
+{
+    const data::Recordset latest = database.openRecordset(QStringLiteral("LastBldReading"));
+    return latest.eof() ? QString() : runtime::format(latest.value(QStringLiteral("LastReading")), pattern);
+}
+
 /// As it may stand within a sentence.
 QString quoted(QString line)
 {
@@ -153,18 +160,17 @@ ImportStopped stoppedAt(const TextLines& lines, const RunTimeError& error, const
 QString latestReading(const QString& diaryPath)
 {
     data::Database database(diaryPath);
-    const data::Recordset latest = database.openRecordset(QStringLiteral("LastBldReading"));
-    return latest.eof()
-               ? QString()
-               : runtime::format(latest.value(QStringLiteral("LastReading")), QStringLiteral("dd/mm/yyyy hh:mm"));
+    return latestIn(database, QStringLiteral("dd/mm/yyyy hh:mm"));
 }
 
 int ImportReadings(const MeterImport& import)
 {
     TextLines lines(import.meterPath);
     data::Database database(import.diaryPath);
-    Pass pass(database.openRecordset(QStringLiteral("BloodSugarLevels")), import.after);
+    data::Recordset readings = database.openRecordset(QStringLiteral("BloodSugarLevels"));
     data::Database::Batch batch(database);
+    Pass pass(std::move(readings),
+              import.after ? *import.after : latestIn(database, QStringLiteral("dd/mm/yyyy hh:mm:ss")));
     try {
         while (lines.next()) {
             pass.take(fieldsOf(lines));

@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace readings {
 
 /// The moment of the latest stored reading as "dd/mm/yyyy hh:mm"; empty when there is none.
@@ -13,7 +15,9 @@ namespace readings {
 struct MeterImport {
     QString diaryPath;
     QString meterPath; ///< an existing file
-    QString after;     ///< the cut-off as typed: readings at this moment or before it are passed over
+    /// The cut-off as typed: readings at this moment or before it are passed over. Without it the diary's latest
+    /// reading is the cut-off, to the second, and is looked up when no other program can add one any more.
+    std::optional<QString> after;
 };
 
 /// A line that cannot be taken ended an import; the hint names it by number and text, and what was added before it.

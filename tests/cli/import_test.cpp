@@ -60,6 +60,14 @@ TEST_F(Import, AddsWhatIsLaterThanTheLatestReading)
                                         "6.6\t05/03/2002 12:00:00\t0"));
 }
 
+TEST_F(Import, OfTheSameFileTwiceAddsNoReadingTwiceWhoseTimeHasSeconds)
+{
+    diary_.addReading(QStringLiteral("05/03/2002 08:15"), 5.6, 1);
+    const QByteArray content = " 05/03/2002, 12:00:30, 6.6\n";
+    EXPECT_EQ(import(content).out, "1 readings added\n");
+    EXPECT_EQ(import(content).out, "0 readings added\n");
+}
+
 TEST_F(Import, AddsWhatIsLaterThanTheGivenMoment)
 {
     diary_.addReading(QStringLiteral("05/03/2002 08:15"), 5.6, 1);

@@ -1,5 +1,6 @@
 #include "readings/meter_import.h"
 
+#include "data/before_change.h"
 #include "data/database.h"
 #include "readings/stored_readings.h"
 #include "readings/text_lines.h"
@@ -96,6 +97,32 @@ TEST_F(MeterImports, OfTheSameFileTwiceAddEveryReadingOnce)
     const QByteArray content = " 05/03/2002, 08:15, 5.6\n 05/03/2002, 12:10, 7.1\n 06/03/2002, 07:59, 4.9\n";
     EXPECT_EQ(import(content), 3);
     EXPECT_EQ(import(content, latestReading(diary.path())), 0);
+    EXPECT_THAT(stored(), SizeIs(3));
+}
+
+TEST_F(MeterImports, WithoutACutOffGoOnAfterTheLatestReadingToTheSecond)
+{
+    diary.addReading("05/03/2002 08:15:30", 5.6, 1);
+    write(" 05/03/2002, 08:15:30, 5.6\n 05/03/2002, 08:15:31, 7.1\n");
+    EXPECT_EQ(ImportReadings({diary.path(), meterPath, std::nullopt}), 1);
+    EXPECT_EQ(ImportReadings({diary.path(), meterPath, std::nullopt}), 0);
+    EXPECT_THAT(stored(), SizeIs(2));
+}
+
+TEST_F(MeterImports, WithoutACutOffAddNothingThatAnotherProgramHasJustAdded)
+{
+    diary.addReading("05/03/2002 08:15", 5.6, 1);
+    write(" 05/03/2002, 12:10, 7.1\n 06/03/2002, 07:59, 4.9\n");
+    const MeterImport sameFile{diary.path(), meterPath, std::nullopt};
+    int addedByTheOther = -1;
+    const data::BeforeChange other([&](const QString&) {
+        if (addedByTheOther == -1) {
+            addedByTheOther = 0; // its own change is announced, too
+            addedByTheOther = ImportReadings(sameFile);
+        }
+    });
+    EXPECT_EQ(ImportReadings(sameFile), 0);
+    EXPECT_EQ(addedByTheOther, 2);
     EXPECT_THAT(stored(), SizeIs(3));
 }
 
