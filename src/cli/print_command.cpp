@@ -3,12 +3,29 @@
 #include "printing/pdf_printer.h"
 #include "reports/modDisp.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace cli {
 namespace {
 
 const QString kPdf = QStringLiteral("pdf");
+
+/// Whether printing there would cost what is no print: another diary or a copy of one, or a device.
+bool standsInTheWay(const QFileInfo& there)
+{
+    if (!there.exists() || there.isDir()) { // a folder is refused when the file is made
+        return false;
+    }
+    if (!there.isFile()) {
+        return true;
+    }
+    if (there.size() == 0 || there.suffix().compare(kPdf, Qt::CaseInsensitive) == 0) {
+        return false;
+    }
+    QFile file(there.filePath());
+    return !file.open(QIODevice::ReadOnly) || !file.peek(5).startsWith("%PDF-");
+}
 
 QString pdfFor(const Call& call)
 {
@@ -19,6 +36,10 @@ QString pdfFor(const Call& call)
     const QFileInfo pdf(path);
     if (pdf.exists() && pdf == QFileInfo(call.arguments.at(0))) {
         throw UsageError(QStringLiteral("--pdf names the diary itself."));
+    }
+    if (standsInTheWay(pdf)) {
+        throw UsageError(
+            QStringLiteral("--pdf names '%1', which is there and is no PDF file; it was left as it is.").arg(path));
     }
     return path;
 }

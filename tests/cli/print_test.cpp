@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@
 
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 
@@ -249,6 +251,34 @@ TEST_F(PrintCommand, TheDiaryItselfIsNoFileToPrintTo)
         EXPECT_THAT(outcome.err, HasSubstr("--pdf names the diary itself."));
     }
     EXPECT_EQ(contentOf(diary_.path()), before);
+}
+
+TEST_F(PrintCommand, WhatIsThereAndIsNoPdfIsNeverReplaced)
+{
+    addThreeReadings();
+    const QString copy = folder_.filePath(QStringLiteral("Nutrition 2002-03-07.mdb"));
+    ASSERT_TRUE(QFile::copy(diary_.path(), copy));
+    const QString pipe = folder_.filePath(QStringLiteral("pipe.pdf"));
+    ASSERT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), S_IRUSR | S_IWUSR), 0);
+    for (const QString& path : {copy, pipe}) {
+        const Outcome outcome = printTo(path, "basic");
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_THAT(outcome.err, HasSubstr("'" + path.toStdString() + "', which is there and is no PDF file"));
+    }
+    EXPECT_EQ(contentOf(copy), contentOf(diary_.path()));
+    EXPECT_FALSE(QFileInfo(pipe).isFile());
+}
+
+TEST_F(PrintCommand, APdfOfAnotherNameAndAnEmptyFileAreReplaced)
+{
+    addThreeReadings();
+    const QString week = folder_.filePath(QStringLiteral("week"));
+    QFile empty(week);
+    ASSERT_TRUE(empty.open(QIODevice::WriteOnly));
+    empty.close();
+    EXPECT_EQ(printTo(week, "basic").status, 0);
+    EXPECT_EQ(printTo(week, "basic").status, 0);
+    EXPECT_TRUE(contentOf(week).startsWith("%PDF-"));
 }
 
 } // namespace
