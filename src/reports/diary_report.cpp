@@ -2,6 +2,7 @@
 
 #include "data/database.h"
 #include "reports/diary_hints.h"
+#include "reports/diary_records.h"
 #include "reports/diary_totals.h"
 #include "reports/line_builder.h"
 #include "reports/modDisp.h"
@@ -15,55 +16,17 @@
 #include "runtime/run_time_error.h"
 
 #include <cmath>
+#include <utility>
 
 namespace reports {
 namespace {
 
-using data::Recordset;
 using runtime::Date;
 using runtime::ErrorNumber;
 using runtime::RunTimeError;
-using runtime::Value;
 
 /// What is shown of each meal beside its heading, its insulin and its readings.
 enum class Detail { FoodsAndTotals, Totals, None };
-
-/// Where the fields of a meal's food stand, looked up once for all records.
-struct MealFields {
-    explicit MealFields(const Recordset& meals)
-        : when(meals.positionOf(QStringLiteral("When"))), type(meals.positionOf(QStringLiteral("MealType"))),
-          dose(meals.positionOf(QStringLiteral("InsulinDosage"))),
-          description(meals.positionOf(QStringLiteral("Desc"))), quantity(meals.positionOf(QStringLiteral("Quantity"))),
-          energy(meals.positionOf(QStringLiteral("kCal"))), carbohydrate(meals.positionOf(QStringLiteral("Carb"))),
-          fat(meals.positionOf(QStringLiteral("Fat"))), protein(meals.positionOf(QStringLiteral("Prot")))
-    {
-    }
-
-    int when;
-    int type;
-    int dose;
-    int description;
-    int quantity;
-    // For 100 g.
-    int energy;
-    int carbohydrate;
-    int fat;
-    int protein;
-};
-
-/// And those of a reading.
-struct HistoryFields {
-    explicit HistoryFields(const Recordset& history)
-        : when(history.positionOf(QStringLiteral("When"))), level(history.positionOf(QStringLiteral("Mmol"))),
-          type(history.positionOf(QStringLiteral("Type"))), comment(history.positionOf(QStringLiteral("Comment")))
-    {
-    }
-
-    int when;
-    int level;
-    int type;
-    int comment;
-};
 
 /// Read once for all lines.
 struct Patterns {
@@ -74,28 +37,11 @@ struct Patterns {
     runtime::DatePattern difference{QStringLiteral("h:mm")};
 };
 
-Date requireMealTime(const Value& time)
-{
-    if (isNull(time)) {
-        throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noMealTimeHint());
-    }
-    return runtime::toDate(time);
-}
-
 bool isSameDay(Date one, Date other)
 {
     const runtime::DateParts left = runtime::partsOf(one);
     const runtime::DateParts right = runtime::partsOf(other);
     return left.day == right.day && left.month == right.month && left.year == right.year;
-}
-
-/// Of one food as eaten, from its figure for 100 g; null where there is none.
-Value portionOf(const Value& in100Grams, const Value& grams)
-{
-    if (isNull(in100Grams) || isNull(grams)) {
-        return runtime::Null{};
-    }
-    return runtime::toDouble(in100Grams) * runtime::toDouble(grams) / 100;
 }
 
 /// Of a reading after a meal, by its change from the one before it.
@@ -109,28 +55,25 @@ Style styleOf(double change)
 class Diary
 {
 public:
-    Diary(ReportState& state, Recordset& meals, Recordset& history, Detail detail)
+    Diary(ReportState& state, MealRecords& meals, HistoryRecords& history, Detail detail)
         : state_(state), list_(state.lstView), line_(state.lstView), totals_(state.lstView), meals_(meals),
-          history_(history), mealFields_(meals), historyFields_(history), detail_(detail)
+          history_(history), detail_(detail)
     {
     }
 
     void run()
     {
-        PositionRSBeforeLastMeal(mealTime());
+        PositionRSBeforeLastMeal(meals_.time());
         while (!meals_.eof()) {
             addMeal();
         }
     }
 
 private:
-    [[nodiscard]] Date mealTime() const { return requireMealTime(meals_.value(mealFields_.when)); }
-    [[nodiscard]] Date readingTime() const { return runtime::toDate(history_.value(historyFields_.when)); }
-
     void addMeal()
     {
-        const Date time = mealTime();
-        const qint16 intIDose = currentDose(time);
+        const Date time = meals_.time();
+        const qint16 intIDose = meals_.dose();
 
         AddMealHeaderToDisplay(time);
         const NutrientTotals meal = addFoods(time);
@@ -151,7 +94,7 @@ private:
         const auto requireReading = [&] {
             if (history_.eof()) {
                 throw RunTimeError(ErrorNumber::NoCurrentRecord)
-                    .withHint(noLaterReadingHint(meal, history_.recordCount(), state_.strWhere));
+                    .withHint(noLaterReadingHint(meal, history_.count(), state_.strWhere));
             }
         };
         requireReading();
@@ -159,22 +102,13 @@ private:
         do {
             history_.moveNext();
             requireReading();
-        } while (readingTime().days <= meal.days);
+        } while (history_.time().days <= meal.days);
         history_.movePrevious();
-    }
-
-    [[nodiscard]] qint16 currentDose(Date meal) const
-    {
-        const Value dose = meals_.value(mealFields_.dose);
-        if (isNull(dose)) {
-            throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noDoseHint(meal));
-        }
-        return runtime::toInteger(dose);
     }
 
     void AddMealHeaderToDisplay(Date meal)
     {
-        line_.add(runtime::toText(meals_.value(mealFields_.type))).tab().add(meal, patterns_.mealTime);
+        line_.add(meals_.type()).tab().add(meal, patterns_.mealTime);
         line_.add(u"\tkCal\tCarb\tFat\tProt\tGrams").finish(Bold);
         list_.addItem(QString());
     }
@@ -184,43 +118,26 @@ private:
     {
         NutrientTotals meal;
         do {
-            AddFoodToMealCalcs(meal, time);
+            AddFoodToMealCalcs(meal);
             if (detail_ == Detail::FoodsAndTotals) {
                 AddFoodToDisplay();
             }
             meals_.moveNext();
-        } while (!meals_.eof() && mealTime() == time);
+        } while (!meals_.eof() && meals_.time() == time);
         return meal;
     }
 
-    void AddFoodToMealCalcs(NutrientTotals& meal, Date time) const
-    {
-        const Value grams = meals_.value(mealFields_.quantity);
-        const auto add = [&](double& total, int nutrient) {
-            const Value in100Grams = meals_.value(nutrient);
-            if (isNull(in100Grams)) {
-                return;
-            }
-            if (isNull(grams)) {
-                throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noQuantityHint(time));
-            }
-            total += runtime::toDouble(portionOf(in100Grams, grams));
-        };
-        add(meal.carbohydrate, mealFields_.carbohydrate);
-        add(meal.protein, mealFields_.protein);
-        add(meal.fat, mealFields_.fat);
-        add(meal.energy, mealFields_.energy);
-    }
+    void AddFoodToMealCalcs(NutrientTotals& meal) const { meals_.addTo(meal); }
 
     void AddFoodToDisplay()
     {
-        const Value grams = meals_.value(mealFields_.quantity);
-        line_.tab().add(shownDescription(runtime::toText(meals_.value(mealFields_.description))));
-        for (const int nutrient :
-             {mealFields_.energy, mealFields_.carbohydrate, mealFields_.fat, mealFields_.protein}) {
-            line_.tab().add(portionOf(meals_.value(nutrient), grams), patterns_.oneDecimal);
+        const MealRecords::Portion portion = meals_.portion();
+        line_.tab().add(shownDescription(meals_.description()));
+        for (const runtime::Value& amount :
+             {portion.energy, portion.carbohydrate, portion.fat, portion.protein, meals_.grams()}) {
+            line_.tab().add(amount, patterns_.oneDecimal);
         }
-        line_.tab().add(grams, patterns_.oneDecimal).finish();
+        line_.finish();
     }
 
     void AddMealTotalToDisplay(const NutrientTotals& meal, Date time)
@@ -249,39 +166,28 @@ private:
     /// to the end of its day. The cursor stays on the last reading listed: the one before the next meal.
     void AddPostMealResultToDisplay(Date meal)
     {
-        const double reference = currentLevel();
-        const double limit = meals_.eof() ? std::trunc(meal.days) + 1 : mealTime().days;
+        const double reference = history_.level();
+        const double limit = meals_.eof() ? std::trunc(meal.days) + 1 : meals_.time().days;
         do {
             addReading(meal, reference);
             history_.moveNext();
-        } while (!history_.eof() && readingTime().days < limit);
+        } while (!history_.eof() && history_.time().days < limit);
         history_.movePrevious();
         list_.addItem(QString());
     }
 
     void addReading(Date meal, double reference)
     {
-        const Date time = readingTime();
+        const Date time = history_.time();
         const Date difference{meal.days - time.days};
         const bool beforeMeal = difference.days >= 0;
-        const double level = currentLevel();
+        const double level = history_.level();
         const double change = level - reference;
         line_.tab().add(time, patterns_.readingTime).add(beforeMeal ? u" pre meal by" : u"");
         line_.tab().add(difference, patterns_.difference);
         line_.tab().add(level, patterns_.oneDecimal).tab().add(change, patterns_.oneDecimal);
-        for (const int field : {historyFields_.type, historyFields_.comment}) {
-            line_.tab().add(runtime::toText(history_.value(field)));
-        }
+        line_.tab().add(history_.type()).tab().add(history_.comment());
         line_.finish(beforeMeal ? Green : styleOf(change));
-    }
-
-    [[nodiscard]] double currentLevel() const
-    {
-        const Value level = history_.value(historyFields_.level);
-        if (isNull(level)) {
-            throw RunTimeError(ErrorNumber::InvalidUseOfNull).withHint(noLevelHint(readingTime()));
-        }
-        return runtime::toDouble(level);
     }
 
     void AddMealTotalToDay(const NutrientTotals& meal) { state_.dayTotals += meal; }
@@ -289,7 +195,7 @@ private:
     /// Once the day's last meal is there.
     void AddDayTotalToDisplay(Date meal)
     {
-        if (meals_.eof() || !isSameDay(mealTime(), meal)) {
+        if (meals_.eof() || !isSameDay(meals_.time(), meal)) {
             DisplayTotals(meal);
         }
     }
@@ -310,10 +216,8 @@ private:
     LineBuilder line_;
     TotalsLines totals_;
     Patterns patterns_;
-    Recordset& meals_;
-    Recordset& history_;
-    MealFields mealFields_;
-    HistoryFields historyFields_;
+    MealRecords& meals_;
+    HistoryRecords& history_;
     Detail detail_;
 };
 
@@ -330,12 +234,12 @@ void build(ReportState& state, Detail detail)
     SetListTabStops(state.lstView, {40, 210, 240, 270, 300, 330});
     state.PrintTabs = {500, 2000, 6000, 7000, 8000, 9000, 10000};
 
-    Recordset meals = database.openRecordset(filteredSource(QStringLiteral("MealDetails"), state.strWhere));
-    if (meals.recordCount() == 0) {
+    data::Recordset records = database.openRecordset(filteredSource(QStringLiteral("MealDetails"), state.strWhere));
+    if (records.recordCount() == 0) {
         return;
     }
-    const Date firstMeal = requireMealTime(meals.value(QStringLiteral("When")));
-    Recordset history = database.openRecordset(historyFrom(firstMeal));
+    MealRecords meals(std::move(records));
+    HistoryRecords history(database.openRecordset(historyFrom(meals.time())));
     Diary(state, meals, history, detail).run();
 }
 
