@@ -5,6 +5,7 @@
 #include "jet/check_table.h"
 #include "jet/format/data_page.h"
 #include "jet/format/header_page.h"
+#include "jet/store/page_allocator.h"
 #include "jet/store/usage_map.h"
 
 #include <algorithm>

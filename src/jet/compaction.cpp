@@ -7,6 +7,7 @@
 #include "jet/row_reader.h"
 #include "jet/row_writer.h"
 #include "jet/store/long_value_store.h"
+#include "jet/store/page_allocator.h"
 #include "jet/store/table_definition_store.h"
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 #include "jet/carried_table.h"
 #include "jet/disk/file_version.h"
 #include "jet/format/at_page.h"
+#include "jet/format/table_definition_codec.h"
 #include "jet/store/long_value_store.h"
 
 #include <algorithm>

@@ -4,7 +4,7 @@
 #include "jet/disk/unfinished_file.h"
 #include "jet/format/header_page.h"
 #include "jet/new_table.h"
-#include "jet/store/usage_map.h"
+#include "jet/store/page_allocator.h"
 
 #include <algorithm>
 #include <bit>

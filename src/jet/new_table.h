@@ -1,6 +1,7 @@
 // Tables from their description (FORMAT.md, "Creating a file").
 #pragma once
 
+#include "jet/disk/pager.h"
 #include "jet/format/table_definition.h"
 #include "jet/schema.h"
 

@@ -186,11 +186,4 @@ const TableIndex& indexAt(const LoadedTable& table, std::size_t realIndex)
     return table.indexes[realIndex];
 }
 
-KeyInterval exactly(const Bytes& key)
-{
-    Bytes above = key;
-    above.push_back(std::byte{0});
-    return {.from = key, .to = std::move(above)};
-}
-
 } // namespace jet

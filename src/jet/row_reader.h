@@ -18,7 +18,5 @@ namespace jet {
 
 /// The index of that position. Throws NoSuchObject.
 [[nodiscard]] const TableIndex& indexAt(const LoadedTable& table, std::size_t realIndex);
-/// Keys that are equal to this one, byte for byte.
-[[nodiscard]] KeyInterval exactly(const Bytes& key);
 
 } // namespace jet

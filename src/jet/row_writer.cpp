@@ -176,95 +176,114 @@ void RowWriter::update(StoredTable& table, RowPointer address, std::span<const C
     const StoredRow stored = rowAt(*loaded, address);
     const RowView view = viewOf(*loaded, stored);
 
-    std::vector<ColumnValue> changes;
-    for (const ColumnValue& given : values) {
-        const Column& column = columnOf(*loaded, given.columnNumber);
-        changes.push_back({column.number, checkedValue(column, rulesOf(table)[column.number], given.value)});
-        if (column.isAutoNumber() && changes.back().value != view.value(column)) {
-            throw Error(ErrorCode::ReadOnly, "The auto-number \"" + column.name + "\" cannot be changed");
-        }
-    }
-    RowValues before = loaded->emptyRow();
-    RowValues after = before;
-    const std::vector<KeyChange> keys = keyChanges(*loaded, view, changes, before, after);
-    const auto changesKey = [&keys](std::size_t index) {
-        return std::any_of(keys.begin(), keys.end(), [index](const KeyChange& key) { return key.index == index; });
-    };
-    for (const KeyChange& key : keys) {
+    const std::vector<ColumnValue> changes = checkedChanges(table, *loaded, view, values);
+    const RowChange change = rowChange(*loaded, view, changes);
+    for (const KeyChange& key : change.keys) {
         requireFree(loaded->indexes[key.index], key.after, address);
     }
-    for (const RelationshipEnd& parent : foreignKeys_.parentsOf(table)) {
-        if (changesKey(parent.ownIndex)) {
-            const bool refersToRekeyed = parent.otherTable == table.page() && changesKey(parent.otherIndex);
-            foreignKeys_.requireParent(table, parent, after, refersToRekeyed ? std::optional(address) : std::nullopt);
-        }
-    }
-    std::vector<std::pair<RelationshipEnd, RowPointer>> referring;
-    for (const RelationshipEnd& child : foreignKeys_.childrenOf(table)) {
-        if (!changesKey(child.ownIndex)) {
-            continue;
-        }
-        for (const RowPointer row : foreignKeys_.rowsReferringTo(table, child, before)) {
-            if (child.otherTable == table.page() && row == address && changesKey(child.otherIndex)) {
-                continue; // It refers elsewhere from now on.
-            }
-            if (!child.cascadeUpdates) {
-                foreignKeys_.refuseBecauseOf(child);
-            }
-            referring.emplace_back(child, row);
-        }
-    }
+    requireParents(table, address, change);
+    const std::vector<ReferringRow> followers = rowsToFollow(table, address, change);
 
     ChangeScope scope(*tables_);
     RowBuilder builder(loaded->definition, view);
-    for (const ColumnValue& change : changes) {
-        const Column& column = columnOf(*loaded, change.columnNumber);
-        builder.set(column, slotValue(*loaded, column, change.value));
+    for (const ColumnValue& given : changes) {
+        const Column& column = columnOf(*loaded, given.columnNumber);
+        builder.set(column, slotValue(*loaded, column, given.value));
         freeLongValue(*loaded, column, view);
     }
     loaded->rows.update(address, builder.encode());
-    for (const KeyChange& key : keys) {
+    for (const KeyChange& key : change.keys) {
         removeEntry(*loaded, key.index, key.before, address);
         addEntry(*loaded, key.index, key.after, address);
     }
     saveCounters(table, *loaded);
-    for (const auto& [child, row] : referring) {
+    for (const auto& [child, row] : followers) {
         StoredTable& other = tables_->at(child.otherTable);
         update(other, row,
-               childValues(loaded->indexes[child.ownIndex], other.loaded()->indexes[child.otherIndex], &after),
+               childValues(loaded->indexes[child.ownIndex], other.loaded()->indexes[child.otherIndex], &change.after),
                depth + 1);
     }
     scope.keep();
 }
 
-/// `before` and `after` get the values of all key columns of indexes that a changed column belongs to.
-std::vector<RowWriter::KeyChange> RowWriter::keyChanges(const LoadedTable& table, const RowView& row,
-                                                        std::span<const ColumnValue> changes, RowValues& before,
-                                                        RowValues& after)
+std::vector<ColumnValue> RowWriter::checkedChanges(StoredTable& table, const LoadedTable& loaded, const RowView& row,
+                                                   std::span<const ColumnValue> values)
 {
+    std::vector<ColumnValue> changes;
+    for (const ColumnValue& given : values) {
+        const Column& column = columnOf(loaded, given.columnNumber);
+        changes.push_back({column.number, checkedValue(column, rulesOf(table)[column.number], given.value)});
+        if (column.isAutoNumber() && changes.back().value != row.value(column)) {
+            throw Error(ErrorCode::ReadOnly, "The auto-number \"" + column.name + "\" cannot be changed");
+        }
+    }
+    return changes;
+}
+
+RowWriter::RowChange RowWriter::rowChange(const LoadedTable& table, const RowView& row,
+                                          std::span<const ColumnValue> changes)
+{
+    RowChange change{.before = table.emptyRow(), .after = {}, .keys = {}};
     std::vector<std::size_t> touched;
     for (std::size_t i = 0; i < table.indexes.size(); ++i) {
         const TableIndex& index = table.indexes[i];
         if (std::any_of(changes.begin(), changes.end(),
-                        [&index](const ColumnValue& change) { return index.uses(change.columnNumber); })) {
+                        [&index](const ColumnValue& given) { return index.uses(given.columnNumber); })) {
             touched.push_back(i);
             for (const std::uint16_t number : index.encoder.columnNumbers()) {
-                before[number] = readValue(tables_->pager(), row, columnOf(table, number));
+                change.before[number] = readValue(tables_->pager(), row, columnOf(table, number));
             }
         }
     }
-    after = before;
-    for (const ColumnValue& change : changes) {
-        after[change.columnNumber] = change.value;
+    change.after = change.before;
+    for (const ColumnValue& given : changes) {
+        change.after[given.columnNumber] = given.value;
     }
-    std::vector<KeyChange> keys;
     for (const std::size_t i : touched) {
-        KeyChange key{.index = i, .before = table.indexes[i].keyOf(before), .after = table.indexes[i].keyOf(after)};
+        const TableIndex& index = table.indexes[i];
+        KeyChange key{.index = i, .before = index.keyOf(change.before), .after = index.keyOf(change.after)};
         if (key.before.bytes != key.after.bytes) {
-            keys.push_back(std::move(key));
+            change.keys.push_back(std::move(key));
         }
     }
-    return keys;
+    return change;
+}
+
+bool RowWriter::RowChange::changesKey(std::size_t index) const
+{
+    return std::any_of(keys.begin(), keys.end(), [index](const KeyChange& key) { return key.index == index; });
+}
+
+void RowWriter::requireParents(StoredTable& table, RowPointer address, const RowChange& change)
+{
+    for (const RelationshipEnd& parent : foreignKeys_.parentsOf(table)) {
+        if (change.changesKey(parent.ownIndex)) {
+            const bool refersToRekeyed = parent.otherTable == table.page() && change.changesKey(parent.otherIndex);
+            foreignKeys_.requireParent(table, parent, change.after,
+                                       refersToRekeyed ? std::optional(address) : std::nullopt);
+        }
+    }
+}
+
+std::vector<RowWriter::ReferringRow> RowWriter::rowsToFollow(StoredTable& table, RowPointer address,
+                                                             const RowChange& change)
+{
+    std::vector<ReferringRow> followers;
+    for (const RelationshipEnd& child : foreignKeys_.childrenOf(table)) {
+        if (!change.changesKey(child.ownIndex)) {
+            continue;
+        }
+        for (const RowPointer row : foreignKeys_.rowsReferringTo(table, child, change.before)) {
+            if (child.otherTable == table.page() && row == address && change.changesKey(child.otherIndex)) {
+                continue; // It refers elsewhere from now on.
+            }
+            if (!child.cascadeUpdates) {
+                foreignKeys_.refuseBecauseOf(child);
+            }
+            followers.push_back({child, row});
+        }
+    }
+    return followers;
 }
 
 // --- Erase -------------------------------------------------------------------------------------------------------

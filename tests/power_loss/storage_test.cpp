@@ -1,5 +1,6 @@
 // The power fails while the file changes its shape: indexes split, pages are added, long values come and go.
 #include "jet/database/small_diary.h"
+#include "jet/disk/page.h"
 #include "power_loss/diaries.h"
 
 #include <gmock/gmock.h>

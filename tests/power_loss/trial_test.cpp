@@ -2,6 +2,7 @@
 #include "power_loss/trial.h"
 
 #include "jet/database/small_diary.h"
+#include "jet/disk/page.h"
 #include "jet/support/forwarding_file_system.h"
 #include "power_loss/diaries.h"
 

@@ -1,4 +1,4 @@
-// Bounds-checked access to numbers in a run of bytes; the only place that knows about byte order.
+// Runs of bytes, and bounds-checked access to numbers in them; the only place that knows about byte order.
 #pragma once
 
 #include "jet/disk/error.h"
@@ -128,6 +128,22 @@ inline void putBytes(MutableBytes bytes, std::size_t offset, ByteView content)
     if (!content.empty()) {
         std::memmove(part.data(), content.data(), content.size());
     }
+}
+
+inline void append(Bytes& out, ByteView bytes)
+{
+    out.insert(out.end(), bytes.begin(), bytes.end());
+}
+
+/// Below, equal to or above 0, byte by byte; a run that another one begins with comes before it.
+[[nodiscard]] inline int compareBytes(ByteView a, ByteView b)
+{
+    const std::size_t common = a.size() < b.size() ? a.size() : b.size();
+    const int order = common == 0 ? 0 : std::memcmp(a.data(), b.data(), common);
+    if (order != 0 || a.size() == b.size()) {
+        return order;
+    }
+    return a.size() < b.size() ? -1 : 1;
 }
 
 } // namespace jet

@@ -7,11 +7,6 @@ namespace {
 
 constexpr std::uint16_t kDataPageMark = 0x0101;
 
-// Offsets in the page.
-constexpr std::size_t kFreeBytes = 2;
-constexpr std::size_t kOwner = 4;
-constexpr std::size_t kSlotCount = 12;
-
 // A slot's word: where the row begins, and what it is.
 constexpr std::size_t kOffsetMask = 0x1FFF;
 constexpr std::size_t kPointerFlag = 0x4000;
@@ -36,12 +31,13 @@ std::size_t flagsOf(SlotKind kind)
 
 bool isDataPageOf(ByteView page, std::uint32_t owner)
 {
-    return page.size() == kPageSize && getU16(page, 0) == kDataPageMark && getU32(page, kOwner) == owner;
+    return page.size() == kPageSize && getU16(page, DataPage::kMark) == kDataPageMark &&
+           getU32(page, DataPage::kOwner) == owner;
 }
 
 DataPage::DataPage(ByteView page, PageNumber number) : page_(page), number_(number)
 {
-    if (page.size() != kPageSize || getU16(page, 0) != kDataPageMark) {
+    if (page.size() != kPageSize || getU16(page, kMark) != kDataPageMark) {
         throw Error(ErrorCode::Corrupt, number, "A page that should hold rows does not");
     }
     slots_ = getU16(page, kSlotCount);
@@ -55,7 +51,7 @@ std::size_t DataPage::word(std::size_t row) const
     if (row >= slots_) {
         throw Error(ErrorCode::Corrupt, number_, "There is no row " + std::to_string(row));
     }
-    return getU16(page_, kHeaderSize + kSlotSize * row);
+    return getU16(page_, slotAt(row));
 }
 
 std::size_t DataPage::start(std::size_t row) const
@@ -86,7 +82,7 @@ ByteView DataPage::bytes(std::size_t row) const
 {
     const std::size_t from = start(row);
     const std::size_t to = end(row);
-    if (from > to || to > kPageSize || from < kHeaderSize + kSlotSize * slots_) {
+    if (from > to || to > kPageSize || from < slotAt(slots_)) {
         throw Error(ErrorCode::Corrupt, number_, "The bounds of row " + std::to_string(row) + " contradict its page");
     }
     return page_.subspan(from, to - from);
@@ -103,7 +99,7 @@ RowPointer DataPage::target(std::size_t row) const
 
 std::size_t DataPage::freeBytes() const
 {
-    const std::size_t table = kHeaderSize + kSlotSize * slots_;
+    const std::size_t table = slotAt(slots_);
     const std::size_t lowest = slots_ == 0 ? kPageSize : start(slots_ - 1);
     return lowest > table ? lowest - table : 0;
 }
@@ -155,9 +151,9 @@ void DataPage::validate() const
 void DataPageEditor::initialize(MutableBytes page, std::uint32_t owner)
 {
     std::fill(page.begin(), page.end(), std::byte{0});
-    putU16(page, 0, kDataPageMark);
-    putU16(page, kFreeBytes, DataPage::kCapacity);
-    putU32(page, kOwner, owner);
+    putU16(page, DataPage::kMark, kDataPageMark);
+    putU16(page, DataPage::kFreeBytes, DataPage::kCapacity);
+    putU32(page, DataPage::kOwner, owner);
 }
 
 DataPageEditor::DataPageEditor(MutableBytes page, PageNumber number) : page_(page), number_(number)
@@ -178,9 +174,8 @@ std::uint8_t DataPageEditor::append(ByteView row, SlotKind kind)
     }
     const std::size_t slot = view().slotCount();
     const std::size_t begin = (slot == 0 ? kPageSize : view().start(slot - 1)) - row.size();
-    putU16(page_, kSlotCount, static_cast<std::uint16_t>(slot + 1));
-    putU16(page_, DataPage::kHeaderSize + DataPage::kSlotSize * slot,
-           static_cast<std::uint16_t>(begin | flagsOf(kind)));
+    putU16(page_, DataPage::kSlotCount, static_cast<std::uint16_t>(slot + 1));
+    putU16(page_, DataPage::slotAt(slot), static_cast<std::uint16_t>(begin | flagsOf(kind)));
     putBytes(page_, begin, row);
     putFreeBytes();
     return static_cast<std::uint8_t>(slot);
@@ -197,7 +192,7 @@ void DataPageEditor::replace(std::uint8_t row, ByteView bytes, SlotKind kind)
     }
     resize(row, bytes.size());
     const std::size_t begin = view().start(row);
-    putU16(page_, DataPage::kHeaderSize + DataPage::kSlotSize * row, static_cast<std::uint16_t>(begin | flagsOf(kind)));
+    putU16(page_, DataPage::slotAt(row), static_cast<std::uint16_t>(begin | flagsOf(kind)));
     putBytes(page_, begin, bytes);
     putFreeBytes();
 }
@@ -224,8 +219,7 @@ void DataPageEditor::resize(std::size_t row, std::size_t length)
     for (std::size_t i = row; i < slots; ++i) {
         const std::size_t word = view().word(i);
         const std::size_t moved = (word & kOffsetMask) + newStart - oldStart;
-        putU16(page_, DataPage::kHeaderSize + DataPage::kSlotSize * i,
-               static_cast<std::uint16_t>(moved | (word & ~kOffsetMask)));
+        putU16(page_, DataPage::slotAt(i), static_cast<std::uint16_t>(moved | (word & ~kOffsetMask)));
     }
 }
 
@@ -242,7 +236,7 @@ void DataPageEditor::closeGaps()
 
 void DataPageEditor::putFreeBytes()
 {
-    putU16(page_, kFreeBytes, static_cast<std::uint16_t>(view().freeBytes()));
+    putU16(page_, DataPage::kFreeBytes, static_cast<std::uint16_t>(view().freeBytes()));
 }
 
 } // namespace jet

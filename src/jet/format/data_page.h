@@ -1,7 +1,7 @@
 // A page of rows and its slots (FORMAT.md, "Data pages and rows").
 #pragma once
 
-#include "jet/disk/pager.h"
+#include "jet/disk/page.h"
 #include "jet/format/row_pointer.h"
 
 #include <cstdint>
@@ -38,10 +38,10 @@ public:
     DataPage(ByteView page, PageNumber number);
 
     [[nodiscard]] PageNumber number() const { return number_; }
-    [[nodiscard]] std::uint32_t owner() const { return getU32(page_, 4); }
+    [[nodiscard]] std::uint32_t owner() const { return getU32(page_, kOwner); }
     [[nodiscard]] std::size_t slotCount() const { return slots_; }
     /// As the page says.
-    [[nodiscard]] std::size_t storedFreeBytes() const { return getU16(page_, 2); }
+    [[nodiscard]] std::size_t storedFreeBytes() const { return getU16(page_, kFreeBytes); }
     /// As the slots say: between the slot table and the lowest row.
     [[nodiscard]] std::size_t freeBytes() const;
     /// Free bytes once what deleted slots still hold is given up.
@@ -63,6 +63,15 @@ public:
 
 private:
     friend class DataPageEditor;
+    friend bool isDataPageOf(ByteView page, std::uint32_t owner);
+
+    // Offsets in the page.
+    static constexpr std::size_t kMark = 0;
+    static constexpr std::size_t kFreeBytes = 2;
+    static constexpr std::size_t kOwner = 4;
+    static constexpr std::size_t kSlotCount = 12;
+
+    [[nodiscard]] static std::size_t slotAt(std::size_t row) { return kHeaderSize + kSlotSize * row; }
     [[nodiscard]] std::size_t word(std::size_t row) const;
     [[nodiscard]] std::size_t start(std::size_t row) const;
     [[nodiscard]] std::size_t end(std::size_t row) const;

@@ -12,6 +12,7 @@ namespace jet {
 namespace {
 
 // Offsets in page 0.
+constexpr std::size_t kMark = 0x00;
 constexpr std::size_t kName = 0x04;
 constexpr std::size_t kNameSize = 16;
 constexpr std::size_t kVersion = 0x14;
@@ -31,6 +32,9 @@ constexpr std::size_t kPasswordSize = 40;
 constexpr std::size_t kEngineBuild = 0x52;
 constexpr std::size_t kSortOrder = 0x56;
 constexpr std::size_t kCreated = 0x5A;
+
+constexpr std::uint32_t kHeaderMark = 0x100;
+constexpr std::uint32_t kVersion4 = 1; // of Access 2000, 2002 and 2003
 
 constexpr std::string_view kJetName = "Standard Jet DB";
 constexpr std::string_view kAceName = "Standard ACE DB";
@@ -100,7 +104,7 @@ bool hasName(ByteView page, std::string_view name)
 
 void checkHeader(ByteView page)
 {
-    if (page.size() < kMasked + kMaskedSize || getU32(page, 0) != 0x100) {
+    if (page.size() < kMasked + kMaskedSize || getU32(page, kMark) != kHeaderMark) {
         throw Error(ErrorCode::NotADatabase, "The file is not an Access database.");
     }
     if (hasName(page, kAceName)) {
@@ -121,7 +125,7 @@ void checkHeader(ByteView page)
                     "The file was made by Access 97 or earlier; only files of Access 2000, "
                     "2002 and 2003 can be opened.");
     }
-    if (version != 1) {
+    if (version != kVersion4) {
         throw Error(ErrorCode::UnsupportedVersion, "The file was made by Access 2007 or later (format version " +
                                                        std::to_string(version) +
                                                        "); only files of Access 2000, 2002 and 2003 can be opened.");
@@ -180,10 +184,10 @@ Page encodeHeaderPage(const HeaderPage& header)
     maskPassword(region, header.created.days);
 
     Page page{};
-    putU32(page, 0, 0x100);
+    putU32(page, kMark, kHeaderMark);
     std::transform(kJetName.begin(), kJetName.end(), page.begin() + kName,
                    [](char letter) { return static_cast<std::byte>(letter); });
-    putU32(page, kVersion, 1);
+    putU32(page, kVersion, kVersion4);
     std::transform(region.begin(), region.end(), kMask.begin(), page.begin() + kMasked,
                    [](std::byte left, std::byte right) { return left ^ right; });
     putU32(page, kAfterMasked, 0x654);

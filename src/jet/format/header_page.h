@@ -1,7 +1,7 @@
 // Page 0: what the file is and where everything begins (FORMAT.md, "The file and its header page").
 #pragma once
 
-#include "jet/disk/pager.h"
+#include "jet/disk/page.h"
 #include "jet/format/row_pointer.h"
 #include "jet/format/table_definition.h"
 #include "jet/format/value.h"

@@ -37,7 +37,7 @@ void appendNumber(Number number, bool ascending, Bytes& key)
 {
     std::array<std::byte, sizeof(Number)> bytes{};
     putBigEndian(MutableBytes(bytes), 0, ascending ? number : static_cast<Number>(~number));
-    key.insert(key.end(), bytes.begin(), bytes.end());
+    append(key, bytes);
 }
 
 template <std::signed_integral Number>

@@ -1,58 +1,26 @@
 #include "jet/format/index_page.h"
 
+#include "jet/format/index_entry.h"
+#include "jet/format/index_page_layout.h"
+
 #include <algorithm>
 #include <bit>
-#include <cstring>
 
 namespace jet {
 
+using namespace index_page_layout;
+
 namespace {
 
-// Offsets in the page.
-constexpr std::size_t kKind = 0;
-constexpr std::size_t kInUse = 1;
-constexpr std::size_t kFree = 2;
-constexpr std::size_t kOwner = 4;
-constexpr std::size_t kPrevious = 12;
-constexpr std::size_t kNext = 16;
-constexpr std::size_t kTail = 20;
-constexpr std::size_t kPrefix = 24;
-constexpr std::size_t kMask = 27;
-constexpr std::size_t kEntries = 480;
-constexpr std::size_t kMaskSize = kEntries - kMask;
-
 constexpr std::size_t kUsualEntries = 512; // room for what most pages hold
-
-constexpr std::size_t kRowSize = 4;
-constexpr std::size_t kChildSize = 4;
-
-int compareBytes(ByteView a, ByteView b)
-{
-    const std::size_t common = std::min(a.size(), b.size());
-    const int order = common == 0 ? 0 : std::memcmp(a.data(), b.data(), common);
-    if (order != 0 || a.size() == b.size()) {
-        return order;
-    }
-    return a.size() < b.size() ? -1 : 1;
-}
-
-/// Sets or clears the bit that tells that an entry ends there.
-void mark(Page& page, std::size_t end, bool on)
-{
-    std::byte& bits = page[kMask + end / 8];
-    const std::byte bit = std::byte{1} << static_cast<int>(end % 8);
-    bits = on ? bits | bit : bits & ~bit;
-}
 
 /// Bytes behind the key of an entry.
 std::size_t trailerSize(IndexPageKind kind)
 {
-    return kind == IndexPageKind::Leaf ? kRowSize : kRowSize + kChildSize;
+    return kind == IndexPageKind::Leaf ? kIndexEntryRowSize : kIndexEntryRowSize + kIndexEntryChildSize;
 }
 
 } // namespace
-
-// --- A page as it lies in the file ---------------------------------------------------------------------------------
 
 IndexPage::IndexPage(PageRef page, PageNumber number) : page_(std::move(page)), number_(number)
 {
@@ -204,7 +172,7 @@ RowPointer IndexPage::row(std::size_t entry) const
 
 PageNumber IndexPage::child(std::size_t entry) const
 {
-    return numberAt(entry, keyLength(entry) + kRowSize);
+    return numberAt(entry, keyLength(entry) + kIndexEntryRowSize);
 }
 
 bool IndexPage::hasRoomInPlace(std::size_t position, ByteView entry) const
@@ -222,11 +190,11 @@ void IndexPage::insertInPlace(Page& page, std::size_t position, ByteView entry) 
     putBytes(bytes, kEntries + start + rest.size(), slice(ByteView(page), kEntries + start, used() - start));
     putBytes(bytes, kEntries + start, rest);
     for (std::size_t i = position; i < size(); ++i) {
-        mark(page, ends_[i], false);
+        markEnd(page, ends_[i], false);
     }
-    mark(page, start + rest.size(), true);
+    markEnd(page, start + rest.size(), true);
     for (std::size_t i = position; i < size(); ++i) {
-        mark(page, ends_[i] + rest.size(), true);
+        markEnd(page, ends_[i] + rest.size(), true);
     }
     putU16(bytes, kFree, static_cast<std::uint16_t>(kIndexEntryArea - used() - rest.size()));
 }
@@ -246,162 +214,12 @@ void IndexPage::eraseInPlace(Page& page, std::size_t position) const
     const MutableBytes released = slice(bytes, kEntries + used() - length, length);
     std::fill(released.begin(), released.end(), std::byte{0});
     for (std::size_t i = position; i < size(); ++i) {
-        mark(page, ends_[i], false);
+        markEnd(page, ends_[i], false);
     }
     for (std::size_t i = position + 1; i < size(); ++i) {
-        mark(page, ends_[i] - length, true);
+        markEnd(page, ends_[i] - length, true);
     }
     putU16(bytes, kFree, static_cast<std::uint16_t>(kIndexEntryArea - used() + length));
-}
-
-// --- A page's content for changing -----------------------------------------------------------------------------------
-
-IndexPageContent::IndexPageContent(const IndexPage& page) : header(page.header())
-{
-    bytes_.reserve(2 * kIndexEntryArea);
-    ends_.reserve(page.size() + 1);
-    for (std::size_t entry = 0; entry < page.size(); ++entry) {
-        page.appendEntry(entry, bytes_);
-        ends_.push_back(static_cast<std::uint32_t>(bytes_.size()));
-    }
-}
-
-ByteView IndexPageContent::entry(std::size_t position) const
-{
-    return slice(ByteView(bytes_), start(position), ends_[position] - start(position));
-}
-
-void IndexPageContent::insert(std::size_t position, ByteView entry)
-{
-    const std::size_t offset = start(position);
-    bytes_.insert(bytes_.begin() + static_cast<std::ptrdiff_t>(offset), entry.begin(), entry.end());
-    ends_.insert(ends_.begin() + static_cast<std::ptrdiff_t>(position), static_cast<std::uint32_t>(offset));
-    for (std::size_t i = position; i < ends_.size(); ++i) {
-        ends_[i] += static_cast<std::uint32_t>(entry.size());
-    }
-}
-
-void IndexPageContent::erase(std::size_t position)
-{
-    const std::size_t offset = start(position);
-    const std::size_t length = ends_[position] - offset;
-    const auto begin = bytes_.begin() + static_cast<std::ptrdiff_t>(offset);
-    bytes_.erase(begin, begin + static_cast<std::ptrdiff_t>(length));
-    ends_.erase(ends_.begin() + static_cast<std::ptrdiff_t>(position));
-    for (std::size_t i = position; i < ends_.size(); ++i) {
-        ends_[i] -= static_cast<std::uint32_t>(length);
-    }
-}
-
-void IndexPageContent::replace(std::size_t position, ByteView entry)
-{
-    erase(position);
-    insert(position, entry);
-}
-
-IndexPageContent IndexPageContent::takeFirst(std::size_t count)
-{
-    IndexPageContent taken(header);
-    const std::size_t length = start(count);
-    const auto bytesEnd = bytes_.begin() + static_cast<std::ptrdiff_t>(length);
-    const auto endsEnd = ends_.begin() + static_cast<std::ptrdiff_t>(count);
-    taken.bytes_.assign(bytes_.begin(), bytesEnd);
-    taken.ends_.assign(ends_.begin(), endsEnd);
-    bytes_.erase(bytes_.begin(), bytesEnd);
-    ends_.erase(ends_.begin(), endsEnd);
-    for (std::uint32_t& end : ends_) {
-        end -= static_cast<std::uint32_t>(length);
-    }
-    return taken;
-}
-
-std::size_t IndexPageContent::commonPrefix(std::size_t first, std::size_t count) const
-{
-    const ByteView pattern = entry(first);
-    std::size_t prefix = pattern.size() - 1;
-    for (std::size_t i = first + 1; i < first + count; ++i) {
-        const ByteView other = entry(i);
-        prefix = std::min(prefix, other.size() - 1);
-        if (std::memcmp(pattern.data(), other.data(), prefix) != 0) {
-            const auto difference = std::mismatch(pattern.begin(), pattern.end(), other.begin(), other.end());
-            prefix = static_cast<std::size_t>(difference.first - pattern.begin());
-        }
-    }
-    return prefix;
-}
-
-std::size_t IndexPageContent::compactSize(std::size_t first, std::size_t count) const
-{
-    if (count == 0) {
-        return 0;
-    }
-    return start(first + count) - start(first) - commonPrefix(first, count) * (count - 1);
-}
-
-bool IndexPageContent::fits() const
-{
-    return bytes_.size() <= kIndexEntryArea || compactSize(0, size()) <= kIndexEntryArea;
-}
-
-std::size_t IndexPageContent::middle() const
-{
-    // The left part grows and the right part shrinks with the number of entries: look for where they meet.
-    const auto left = [this](std::size_t count) { return compactSize(0, count); };
-    const auto right = [this](std::size_t count) { return compactSize(count, size() - count); };
-    std::size_t low = 1;
-    std::size_t high = size() - 1;
-    while (low < high) {
-        const std::size_t count = low + (high - low) / 2;
-        if (left(count) < right(count)) {
-            low = count + 1;
-        } else {
-            high = count;
-        }
-    }
-    return low > 1 && right(low - 1) < left(low) ? low - 1 : low;
-}
-
-std::size_t IndexPageContent::leadingThatFit() const
-{
-    std::size_t low = 1;
-    std::size_t high = size() - 1;
-    while (low < high) {
-        const std::size_t count = high - (high - low) / 2;
-        if (compactSize(0, count) <= kIndexEntryArea) {
-            low = count;
-        } else {
-            high = count - 1;
-        }
-    }
-    return low;
-}
-
-void IndexPageContent::encode(Page& page) const
-{
-    std::size_t prefix = 0;
-    if (bytes_.size() > kIndexEntryArea) {
-        prefix = commonPrefix(0, size());
-        if (bytes_.size() - prefix * (size() - 1) > kIndexEntryArea) {
-            throw Error(ErrorCode::InvalidArgument, "The entries of an index page do not fit it");
-        }
-    }
-    const MutableBytes bytes(page);
-    std::fill(bytes.begin() + kMask, bytes.end(), std::byte{0});
-    std::size_t used = 0;
-    for (std::size_t i = 0; i < size(); ++i) {
-        const ByteView rest = entry(i).subspan(i == 0 ? 0 : prefix);
-        putBytes(bytes, kEntries + used, rest);
-        used += rest.size();
-        mark(page, used, true);
-    }
-    putU8(bytes, kKind, static_cast<std::uint8_t>(header.kind));
-    putU8(bytes, kInUse, 1);
-    putU16(bytes, kFree, static_cast<std::uint16_t>(kIndexEntryArea - used));
-    putU32(bytes, kOwner, header.owner);
-    putU32(bytes, kPrevious, header.previous);
-    putU32(bytes, kNext, header.next);
-    putU32(bytes, kTail, header.tail);
-    putU16(bytes, kPrefix, static_cast<std::uint16_t>(prefix));
 }
 
 void setPrevious(Page& page, PageNumber previous)
@@ -412,37 +230,6 @@ void setPrevious(Page& page, PageNumber previous)
 void setNext(Page& page, PageNumber next)
 {
     putU32(MutableBytes(page), kNext, next);
-}
-
-// --- Entries ---------------------------------------------------------------------------------------------------------
-
-Bytes makeLeafEntry(ByteView key, RowPointer row)
-{
-    if (row.page > 0xFFFFFF) {
-        throw Error(ErrorCode::InvalidArgument, "A row's page number does not fit an index entry");
-    }
-    Bytes entry(key.begin(), key.end());
-    entry.resize(key.size() + kRowSize);
-    putBigEndian<std::uint32_t>(MutableBytes(entry), key.size(), (row.page << 8U) | row.row);
-    return entry;
-}
-
-Bytes makeNodeEntry(ByteView lastLeafEntry, PageNumber child)
-{
-    Bytes entry(lastLeafEntry.begin(), lastLeafEntry.end());
-    entry.resize(lastLeafEntry.size() + kChildSize);
-    putBigEndian<std::uint32_t>(MutableBytes(entry), lastLeafEntry.size(), child);
-    return entry;
-}
-
-ByteView leafEntryOf(ByteView nodeEntry)
-{
-    return slice(nodeEntry, 0, nodeEntry.size() - kChildSize);
-}
-
-PageNumber childOf(ByteView nodeEntry)
-{
-    return getBigEndian<std::uint32_t>(nodeEntry, nodeEntry.size() - kChildSize);
 }
 
 } // namespace jet

@@ -1,8 +1,9 @@
-// One page of an index tree (FORMAT.md, "Index pages").
+// One page of an index tree, read and changed in place (FORMAT.md, "Index pages").
 #pragma once
 
-#include "jet/disk/pager.h"
-#include "jet/format/table_definition.h"
+#include "jet/disk/page.h"
+#include "jet/format/index_entry.h"
+#include "jet/format/row_pointer.h"
 
 #include <cstdint>
 #include <string>
@@ -17,7 +18,7 @@ inline constexpr std::size_t kIndexEntryArea = 3616;
 /// The longest entry of either kind: any two fit on a page, so that every overfull page can be split in two.
 inline constexpr std::size_t kMaximumIndexEntry = kIndexEntryArea / 2;
 /// The longest key: a node's entry adds a row and a child to it.
-inline constexpr std::size_t kMaximumKeyLength = kMaximumIndexEntry - 8;
+inline constexpr std::size_t kMaximumKeyLength = kMaximumIndexEntry - kIndexEntryRowSize - kIndexEntryChildSize;
 
 /// What an index page says about itself besides its entries.
 struct IndexPageHeader {
@@ -83,56 +84,8 @@ private:
     std::vector<std::uint16_t> ends_; ///< where each entry ends, counted from the start of the entry area
 };
 
-/// A page's content for changing: whole entries without a common prefix, back to back. It may hold more than fits a
-/// page.
-class IndexPageContent
-{
-public:
-    explicit IndexPageContent(const IndexPageHeader& pageHeader) : header(pageHeader) {}
-    explicit IndexPageContent(const IndexPage& page);
-
-    IndexPageHeader header;
-
-    [[nodiscard]] std::size_t size() const { return ends_.size(); }
-    [[nodiscard]] bool isEmpty() const { return ends_.empty(); }
-    [[nodiscard]] ByteView entry(std::size_t position) const;
-    void insert(std::size_t position, ByteView entry);
-    void replace(std::size_t position, ByteView entry);
-    void erase(std::size_t position);
-    /// Moves the first `count` entries to a content with the same header.
-    [[nodiscard]] IndexPageContent takeFirst(std::size_t count);
-
-    /// Whether the entries fit a page, with a common prefix where they need one.
-    [[nodiscard]] bool fits() const;
-    /// For content that does not fit: how many leading entries to split off so that both parts fit and are about as
-    /// long.
-    [[nodiscard]] std::size_t middle() const;
-    /// For the same content: how many leading entries fit a page, so that as few as can be are split off behind them.
-    [[nodiscard]] std::size_t leadingThatFit() const;
-    /// Writes everything the page says; what other programs keep in its unknown bytes stays. Requires fits().
-    void encode(Page& page) const;
-
-private:
-    [[nodiscard]] std::size_t start(std::size_t position) const { return position == 0 ? 0 : ends_[position - 1]; }
-    /// The longest start that all entries of the run share and that leaves something of each.
-    [[nodiscard]] std::size_t commonPrefix(std::size_t first, std::size_t count) const;
-    /// Bytes that the run of entries takes with its common prefix stored once.
-    [[nodiscard]] std::size_t compactSize(std::size_t first, std::size_t count) const;
-
-    Bytes bytes_;
-    std::vector<std::uint32_t> ends_;
-};
-
 /// Changes nothing but the link.
 void setPrevious(Page& page, PageNumber previous);
 void setNext(Page& page, PageNumber next);
-
-/// A leaf's entry: key, page and row, the page most significant byte first.
-[[nodiscard]] Bytes makeLeafEntry(ByteView key, RowPointer row);
-/// A node's entry for the child whose last leaf entry this is.
-[[nodiscard]] Bytes makeNodeEntry(ByteView lastLeafEntry, PageNumber child);
-/// The two parts of a node's entry.
-[[nodiscard]] ByteView leafEntryOf(ByteView nodeEntry);
-[[nodiscard]] PageNumber childOf(ByteView nodeEntry);
 
 } // namespace jet

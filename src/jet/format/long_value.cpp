@@ -5,7 +5,6 @@ namespace {
 
 constexpr std::uint32_t kInlineBit = 0x80000000;
 constexpr std::uint32_t kOneRowBit = 0x40000000;
-constexpr std::uint32_t kLengthMask = 0x3FFFFFFF;
 
 } // namespace
 
@@ -19,7 +18,7 @@ LongValue decodeLongValue(ByteView slot)
         throw Error(ErrorCode::Corrupt, "The descriptor of a long value is cut short");
     }
     const std::uint32_t word = getU32(slot, 0);
-    value.length = word & kLengthMask;
+    value.length = word & kMaximumLongValueLength;
     if ((word & kInlineBit) != 0) {
         value.inlineBytes = slice(slot, kLongValueDescriptorSize, value.length);
         return value;
@@ -31,14 +30,14 @@ LongValue decodeLongValue(ByteView slot)
 
 Bytes encodeLongValue(const LongValue& value)
 {
-    if (value.length > kLengthMask) {
-        throw Error(ErrorCode::ValueTooLong, "A long value has more than a gigabyte");
+    if (value.length > kMaximumLongValueLength) {
+        throw Error(ErrorCode::ValueTooLong, "A long value has at most a gigabyte");
     }
     Bytes slot(kLongValueDescriptorSize);
     switch (value.storage) {
     case LongValue::Storage::Inline:
         putU32(slot, 0, kInlineBit | value.length);
-        slot.insert(slot.end(), value.inlineBytes.begin(), value.inlineBytes.end());
+        append(slot, value.inlineBytes);
         break;
     case LongValue::Storage::OneRow:
         putU32(slot, 0, kOneRowBit | value.length);

@@ -12,6 +12,9 @@ inline constexpr std::size_t kMaximumInlineLongValue = 52;
 /// A row of a long-value page holds no more than this, the pointer of a chain's part included; Access refuses more.
 inline constexpr std::size_t kMaximumLongValueRow = 4076;
 
+/// What the 30 bits of a stored length can say: a gigabyte.
+inline constexpr std::uint32_t kMaximumLongValueLength = 0x3FFFFFFF;
+
 struct LongValue {
     enum class Storage {
         Inline, ///< the value follows the descriptor
@@ -26,7 +29,7 @@ struct LongValue {
 
 /// From a variable slot. A slot without bytes is an empty inline value. Throws Corrupt.
 [[nodiscard]] LongValue decodeLongValue(ByteView slot);
-/// The slot's bytes.
+/// The slot's bytes. Throws ValueTooLong past kMaximumLongValueLength.
 [[nodiscard]] Bytes encodeLongValue(const LongValue& value);
 
 } // namespace jet

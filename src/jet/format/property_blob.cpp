@@ -10,16 +10,11 @@ namespace {
 
 constexpr std::uint32_t kMark = 0x0032524D; // "MR2"
 constexpr std::uint16_t kNamesChunk = 0x80;
-constexpr std::uint16_t kObjectChunk = 0;
-constexpr std::uint16_t kColumnChunk = 1;
 constexpr std::size_t kChunkHeader = 6;     // length and kind
 constexpr std::size_t kNameBlockHeader = 6; // length of the block and of the name
 constexpr std::size_t kValueHeader = 8;     // length, flag, type, name, length of the data
 
 constexpr auto kBooleanType = static_cast<std::uint8_t>(ColumnType::Boolean);
-constexpr auto kLongType = static_cast<std::uint8_t>(ColumnType::Long);
-constexpr auto kTextType = static_cast<std::uint8_t>(ColumnType::Text);
-constexpr auto kMemoType = static_cast<std::uint8_t>(ColumnType::Memo);
 
 [[noreturn]] void throwCorrupt()
 {
@@ -31,11 +26,6 @@ ByteView takeFront(ByteView& bytes, std::size_t length)
     const ByteView front = slice(bytes, 0, length);
     bytes = bytes.subspan(length);
     return front;
-}
-
-void append(Bytes& out, ByteView bytes)
-{
-    out.insert(out.end(), bytes.begin(), bytes.end());
 }
 
 void appendU16(Bytes& out, std::size_t number)
@@ -123,17 +113,6 @@ Bytes encodeSet(const PropertySet& set, std::vector<std::string>& names)
     return body;
 }
 
-void put(PropertySet& set, Property property)
-{
-    const auto found = std::find_if(set.properties.begin(), set.properties.end(),
-                                    [&](const Property& each) { return each.name == property.name; });
-    if (found == set.properties.end()) {
-        set.properties.push_back(std::move(property));
-    } else {
-        *found = std::move(property);
-    }
-}
-
 } // namespace
 
 const Property* PropertySet::find(std::string_view name) const
@@ -141,38 +120,6 @@ const Property* PropertySet::find(std::string_view name) const
     const auto found = std::find_if(properties.begin(), properties.end(),
                                     [&](const Property& property) { return property.name == name; });
     return found == properties.end() ? nullptr : &*found;
-}
-
-void PropertySet::setText(std::string_view name, std::string_view text, bool structural)
-{
-    put(*this, {.name = std::string(name),
-                .structural = structural,
-                .type = kTextType,
-                .data = encodePlainText(toUtf16(text))});
-}
-
-void PropertySet::setBoolean(std::string_view name, bool on, bool structural)
-{
-    put(*this, {.name = std::string(name),
-                .structural = structural,
-                .type = kBooleanType,
-                .data = Bytes(1, on ? std::byte{0xFF} : std::byte{0})});
-}
-
-void PropertySet::setLong(std::string_view name, std::int32_t number, bool structural)
-{
-    Bytes data(4);
-    putU32(data, 0, static_cast<std::uint32_t>(number));
-    put(*this, {.name = std::string(name), .structural = structural, .type = kLongType, .data = std::move(data)});
-}
-
-std::optional<std::string> PropertySet::text(std::string_view name) const
-{
-    const Property* property = find(name);
-    if (property == nullptr || (property->type != kTextType && property->type != kMemoType)) {
-        return std::nullopt;
-    }
-    return toUtf8(decodePlainText(property->data));
 }
 
 std::optional<bool> PropertySet::boolean(std::string_view name) const
@@ -189,17 +136,6 @@ const PropertySet* PropertyBlob::find(std::string_view owner) const
     const auto found =
         std::find_if(sets.begin(), sets.end(), [&](const PropertySet& set) { return set.owner == owner; });
     return found == sets.end() ? nullptr : &*found;
-}
-
-PropertySet& PropertyBlob::at(std::string_view owner)
-{
-    const auto found =
-        std::find_if(sets.begin(), sets.end(), [&](const PropertySet& set) { return set.owner == owner; });
-    if (found != sets.end()) {
-        return *found;
-    }
-    return sets.emplace_back(PropertySet{
-        .owner = std::string(owner), .kind = owner.empty() ? kObjectChunk : kColumnChunk, .properties = {}});
 }
 
 PropertyBlob decodePropertyBlob(ByteView bytes)

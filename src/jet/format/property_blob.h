@@ -13,7 +13,7 @@ namespace jet {
 struct Property {
     std::string name;        ///< UTF-8
     bool structural = false; ///< part of the table's design, such as Required
-    std::uint8_t type = 0;   ///< as the column types, mostly
+    std::uint8_t type = 0;   ///< a ColumnType, mostly
     Bytes data;              ///< as stored; booleans one byte, texts UTF-16
 };
 
@@ -24,22 +24,16 @@ struct PropertySet {
     std::vector<Property> properties;
 
     [[nodiscard]] const Property* find(std::string_view name) const; ///< or null
-    /// Sets or adds a property.
-    void setText(std::string_view name, std::string_view text, bool structural);
-    void setBoolean(std::string_view name, bool on, bool structural);
-    void setLong(std::string_view name, std::int32_t number, bool structural);
-    /// The property's value when there is one of that type.
-    [[nodiscard]] std::optional<std::string> text(std::string_view name) const;
+    /// The property's value when there is one, and a Boolean.
     [[nodiscard]] std::optional<bool> boolean(std::string_view name) const;
 };
 
 struct PropertyBlob {
     std::vector<PropertySet> sets;
-    std::vector<std::string>
-        names; ///< as stored, so that unchanged properties keep their bytes; new ones need not be here
+    /// As stored, so that unchanged properties keep their bytes; names of new ones need not be here.
+    std::vector<std::string> names;
 
     [[nodiscard]] const PropertySet* find(std::string_view owner) const; ///< or null; "" is the object itself
-    [[nodiscard]] PropertySet& at(std::string_view owner);               ///< made when there is none
 };
 
 /// Nothing at all decodes to no properties. Throws Corrupt.

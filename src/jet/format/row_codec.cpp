@@ -16,11 +16,6 @@ std::size_t maskSize(std::size_t columns)
     return (columns + 7) / 8;
 }
 
-bool takesFixedRoom(const Column& column)
-{
-    return column.isFixed() && column.type != ColumnType::Boolean;
-}
-
 [[noreturn]] void throwCorrupt(const std::string& message)
 {
     throw Error(ErrorCode::Corrupt, message);
@@ -119,7 +114,7 @@ RowBuilder::RowBuilder(const TableDefinition& definition)
 {
     std::size_t fixedSize = 0;
     for (const Column& column : definition.columns) {
-        if (takesFixedRoom(column)) {
+        if (column.takesFixedRoom()) {
             fixedSize = std::max(fixedSize, std::size_t{column.fixedOffset} + column.length);
         }
     }

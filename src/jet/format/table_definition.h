@@ -1,7 +1,6 @@
-// A table's definition as stored (FORMAT.md, "Table definitions"): structure and codec.
+// A table's definition as stored (FORMAT.md, "Table definitions").
 #pragma once
 
-#include "jet/disk/pager.h"
 #include "jet/format/row_pointer.h"
 #include "jet/format/value.h"
 
@@ -20,20 +19,24 @@ struct SortOrder {
     bool operator==(const SortOrder&) const = default;
 };
 
+/// Limits of the format, of which Access makes no exception.
+inline constexpr std::size_t kMaximumColumns = 255;
+inline constexpr std::size_t kMaximumKeyColumns = 10; ///< of an index
+
 struct Column {
     std::string name; ///< UTF-8
     ColumnType type = ColumnType::Long;
-    std::uint16_t number = 0;            ///< identity; the bit in the null mask; never reused
-    std::uint16_t variableSlot = 0;      ///< variable columns: place in the row's offset table
-    std::uint16_t fixedOffset = 0;       ///< fixed columns: place in the row's fixed part
-    std::uint16_t ordinal = 0;           ///< display order
-    std::uint16_t length = 0;            ///< bytes: width, or the maximum of Text and Binary; 0 for Memo and Ole
-    std::uint8_t flags = 0;              ///< as stored; see the constants below
-    std::uint8_t extraFlags = 0;         ///< as stored; kCompressible
-    SortOrder sortOrder;                 ///< Text and Memo
-    std::uint8_t precision = 0;          ///< Numeric
-    std::uint8_t scale = 0;              ///< Numeric
-    std::vector<std::uint8_t> preserved; ///< the descriptor as read, for its unknown bytes; empty for a new column
+    std::uint16_t number = 0;       ///< identity; the bit in the null mask; never reused
+    std::uint16_t variableSlot = 0; ///< variable columns: place in the row's offset table
+    std::uint16_t fixedOffset = 0;  ///< fixed columns: place in the row's fixed part
+    std::uint16_t ordinal = 0;      ///< display order
+    std::uint16_t length = 0;       ///< bytes: width, or the maximum of Text and Binary; 0 for Memo and Ole
+    std::uint8_t flags = 0;         ///< as stored; see the constants below
+    std::uint8_t extraFlags = 0;    ///< as stored; kCompressible
+    SortOrder sortOrder;            ///< Text and Memo
+    std::uint8_t precision = 0;     ///< Numeric
+    std::uint8_t scale = 0;         ///< Numeric
+    Bytes preserved;                ///< the descriptor as read, for its unknown bytes; empty for a new column
 
     static constexpr std::uint8_t kFixed = 0x01;
     static constexpr std::uint8_t kOrdinary = 0x02;
@@ -45,9 +48,12 @@ struct Column {
     static constexpr std::uint8_t kCompressible = 0x01; ///< in extraFlags
 
     [[nodiscard]] bool isFixed() const { return (flags & kFixed) != 0; }
+    /// Whether a row's fixed part holds its value; a fixed Boolean is a bit of the null mask.
+    [[nodiscard]] bool takesFixedRoom() const { return isFixed() && type != ColumnType::Boolean; }
     [[nodiscard]] bool isAutoNumber() const { return (flags & kAutoNumber) != 0; }
     [[nodiscard]] bool isLongValue() const { return type == ColumnType::Memo || type == ColumnType::Ole; }
     [[nodiscard]] bool isText() const { return type == ColumnType::Text || type == ColumnType::Memo; }
+    [[nodiscard]] bool isCompressible() const { return (extraFlags & kCompressible) != 0; }
 };
 
 struct KeyColumn {
@@ -62,8 +68,8 @@ struct RealIndex {
     RowPointer pages;               ///< the usage map of the tree's pages
     PageNumber root = 0;            ///< never changes
     std::uint8_t flags = 0;
-    std::uint32_t distinctKeys = 0;      ///< a statistic: keys ever inserted
-    std::vector<std::uint8_t> preserved; ///< both its blocks as read, for their unknown bytes; empty for a new index
+    std::uint32_t distinctKeys = 0; ///< a statistic: keys ever inserted
+    Bytes preserved;                ///< both its blocks as read, for their unknown bytes; empty for a new index
 
     static constexpr std::uint8_t kUnique = 0x01;
     static constexpr std::uint8_t kIgnoreNulls = 0x02;
@@ -85,11 +91,11 @@ struct LogicalIndex {
     std::uint32_t realIndex = 0; ///< position in TableDefinition::realIndexes
     Kind kind = Kind::Ordinary;
     Role role = Role::None;
-    std::int32_t otherIndexNumber = -1;  ///< relationships: the logical index in the other table
-    PageNumber otherTable = 0;           ///< relationships: the other table's definition page
-    std::uint8_t cascadeUpdates = 0;     ///< as stored: bit 0
-    std::uint8_t cascadeDeletes = 0;     ///< as stored: bit 0 delete, bit 1 set null
-    std::vector<std::uint8_t> preserved; ///< the block as read, for its unknown bytes; empty for a new index
+    std::int32_t otherIndexNumber = -1; ///< relationships: the logical index in the other table
+    PageNumber otherTable = 0;          ///< relationships: the other table's definition page
+    std::uint8_t cascadeUpdates = 0;    ///< as stored: bit 0
+    std::uint8_t cascadeDeletes = 0;    ///< as stored: bit 0 delete, bit 1 set null
+    Bytes preserved;                    ///< the block as read, for its unknown bytes; empty for a new index
 };
 
 /// The usage maps of one Memo or Ole column's pages.
@@ -114,7 +120,7 @@ struct TableDefinition {
     std::vector<RealIndex> realIndexes;
     std::vector<LogicalIndex> logicalIndexes;
     std::vector<LongValueMaps> longValues;
-    std::vector<std::uint8_t> preserved; ///< the head as read, for its unknown bytes; empty for a new table
+    Bytes preserved; ///< the head as read, for its unknown bytes; empty for a new table
 
     /// The column of that number, or null.
     [[nodiscard]] const Column* columnByNumber(std::uint16_t number) const;
@@ -122,11 +128,10 @@ struct TableDefinition {
     [[nodiscard]] const Column* columnByName(const std::string& name) const;
     /// Columns in the order in which a person sees them: by ordinal where these differ, else by number.
     [[nodiscard]] std::vector<const Column*> displayOrder() const;
-};
 
-/// The whole definition from its byte string (page headers of continuation pages already taken out). Throws Corrupt.
-[[nodiscard]] TableDefinition decodeTableDefinition(ByteView bytes);
-/// The byte string, its first 8 bytes left for the page header.
-[[nodiscard]] Bytes encodeTableDefinition(const TableDefinition& definition);
+    /// Throws Corrupt when its parts contradict one another: numbers given twice, columns that share bytes of a row,
+    /// indexes over what is not there.
+    void validate() const;
+};
 
 } // namespace jet

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 
 namespace jet {
 
@@ -180,8 +179,6 @@ private:
     static constexpr std::byte kNoAccent{0x02};
     static constexpr std::byte kFullKana{3};
 
-    static void append(Bytes& key, ByteView part) { key.insert(key.end(), part.begin(), part.end()); }
-
     void fillAccents(std::size_t upTo)
     {
         anyAccent_ = true;
@@ -240,11 +237,7 @@ int compareByKeys(std::u16string_view a, std::u16string_view b)
     keyB.clear();
     appendParts(a, keyA);
     appendParts(b, keyB);
-    const int order = std::memcmp(keyA.data(), keyB.data(), std::min(keyA.size(), keyB.size()));
-    if (order != 0 || keyA.size() == keyB.size()) {
-        return order;
-    }
-    return keyA.size() < keyB.size() ? -1 : 1;
+    return compareBytes(keyA, keyB);
 }
 
 /// Compares the significant parts of two texts. As long as both are ASCII, no key is made: no code of an ASCII unit

@@ -2,7 +2,8 @@
 // allocation").
 #pragma once
 
-#include "jet/disk/pager.h"
+#include "jet/disk/bytes.h"
+#include "jet/disk/page.h"
 
 #include <cstdint>
 #include <optional>

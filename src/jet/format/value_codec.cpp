@@ -198,7 +198,7 @@ Bytes encodeTextValue(const Column& column, const std::u16string& text)
         throwTooLong(column, maximum, "characters");
     }
     if (!column.isFixed()) {
-        return encodeText(text, (column.extraFlags & Column::kCompressible) != 0);
+        return encodeText(text, column.isCompressible());
     }
     std::u16string padded = text;
     padded.resize(maximum, u' ');

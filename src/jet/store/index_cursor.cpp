@@ -1,3 +1,5 @@
+#include "jet/store/index_cursor.h"
+
 #include "jet/store/index_tree.h"
 
 #include <utility>
@@ -10,6 +12,14 @@ namespace {
 constexpr RowPointer kBeforeRows{};
 
 } // namespace
+
+KeyInterval exactly(ByteView key)
+{
+    Bytes from(key.begin(), key.end());
+    Bytes to = from;
+    to.push_back(std::byte{0}); // the lowest run of bytes above the key
+    return {.from = std::move(from), .to = std::move(to)};
+}
 
 IndexCursor::IndexCursor(Pager& pager, const IndexTree& tree, KeyInterval interval, bool backwards)
     : pager_(&pager), tree_(&tree), interval_(std::move(interval)), backwards_(backwards)

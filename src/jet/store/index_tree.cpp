@@ -1,5 +1,9 @@
 #include "jet/store/index_tree.h"
 
+#include "jet/format/index_page_content.h"
+#include "jet/store/page_allocator.h"
+#include "jet/store/usage_map.h"
+
 #include <utility>
 
 namespace jet {
@@ -36,19 +40,13 @@ PageNumber IndexTree::create(Pager& pager, PageNumber owner, RowPointer pages)
 
 std::optional<RowPointer> IndexTree::find(ByteView key) const
 {
-    Bytes from(key.begin(), key.end());
-    Bytes to = from;
-    to.push_back(std::byte{0}); // the lowest run of bytes above the key
-    IndexCursor cursor = range({.from = std::move(from), .to = std::move(to)});
+    IndexCursor cursor = range(exactly(key));
     return cursor.next() ? std::optional(cursor.row()) : std::nullopt;
 }
 
 bool IndexTree::isTaken(ByteView key, std::optional<RowPointer> except) const
 {
-    Bytes from(key.begin(), key.end());
-    Bytes to = from;
-    to.push_back(std::byte{0});
-    IndexCursor cursor = range({.from = std::move(from), .to = std::move(to)});
+    IndexCursor cursor = range(exactly(key));
     while (cursor.next()) {
         if (cursor.row() != except) {
             return true;

@@ -1,5 +1,7 @@
 #include "jet/store/index_tree.h"
 
+#include "jet/store/usage_map.h"
+
 #include <algorithm>
 #include <set>
 #include <utility>
@@ -108,7 +110,7 @@ private:
             const bool mayLag = atTheEnd && lastChild && child.node;
             Bytes named;
             node.appendEntry(entry, named);
-            named.resize(named.size() - sizeof(PageNumber));
+            named.resize(named.size() - kIndexEntryChildSize);
             if (child.last && (mayLag ? named > *child.last : named != *child.last)) {
                 report(node.number(), "Entry " + std::to_string(entry) + " of a node is not the last entry of page " +
                                           std::to_string(node.child(entry)));

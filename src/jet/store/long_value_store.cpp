@@ -1,6 +1,7 @@
 #include "jet/store/long_value_store.h"
 
 #include "jet/format/text_codec.h"
+#include "jet/store/page_allocator.h"
 #include "jet/store/space_policy.h"
 
 #include <algorithm>
@@ -67,7 +68,7 @@ Bytes readLongValue(Pager& pager, ByteView slot)
         if (bytes.empty()) {
             bytes.reserve(value.length); // the first part is there, and the file is long enough
         }
-        bytes.insert(bytes.end(), data.begin(), data.end());
+        append(bytes, data);
     });
     return bytes;
 }
@@ -94,7 +95,7 @@ LongValueStore::LongValueStore(Pager& pager, const LongValueMaps& maps) : pager_
 
 Bytes LongValueStore::write(ByteView value)
 {
-    if (value.size() > std::uint64_t{0x3FFFFFFF}) {
+    if (value.size() > kMaximumLongValueLength) {
         throw Error(ErrorCode::ValueTooLong, "A long value has at most a gigabyte");
     }
     LongValue stored;
@@ -111,8 +112,7 @@ Bytes LongValueStore::write(ByteView value)
         for (std::size_t end = value.size(); end > 0; end = begin, begin -= std::min(begin, kChainData)) {
             Bytes part(kRowPointerSize);
             putRowPointer(part, 0, stored.first);
-            const ByteView data = value.subspan(begin, end - begin);
-            part.insert(part.end(), data.begin(), data.end());
+            append(part, value.subspan(begin, end - begin));
             stored.first = writeRow(part);
         }
     }
@@ -123,7 +123,7 @@ Bytes LongValueStore::write(const Column& column, const Value& value)
 {
     if (column.type == ColumnType::Memo) {
         if (const auto* text = std::get_if<std::u16string>(&value)) {
-            return write(encodeText(*text, (column.extraFlags & Column::kCompressible) != 0));
+            return write(encodeText(*text, column.isCompressible()));
         }
     } else if (const auto* bytes = std::get_if<Bytes>(&value)) {
         return write(*bytes);

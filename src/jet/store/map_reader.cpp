@@ -57,6 +57,26 @@ std::optional<MapStretch> MapReader::stretch(std::size_t index) const
         .page = std::move(page), .firstPage = static_cast<std::int64_t>(index * kPagesPerBitmap), .bits = bits};
 }
 
+bool changeMapBit(Pager& pager, RowPointer where, PageNumber page, bool member)
+{
+    const MapReader map(pager, where);
+    const std::size_t index = map.stretchOf(page);
+    const std::optional<MapStretch> stretch = map.stretch(index);
+    if (!stretch || !stretch->covers(page)) {
+        return false;
+    }
+    if (stretch->contains(page) == member) {
+        return true;
+    }
+    const auto bit = static_cast<std::size_t>(page - stretch->firstPage);
+    if (map.isInline()) {
+        setBit(modifyMapRow(pager, where).subspan(UsageMapRow::kInlineHeader), bit, member);
+    } else {
+        setBit(bitmapOf(MutableBytes(pager.modify(map.row().pointer(index)))), bit, member);
+    }
+    return true;
+}
+
 MutableBytes modifyMapRow(Pager& pager, RowPointer where)
 {
     return DataPageEditor(pager.modify(where.page), where.page).bytes(where.row);

@@ -1,6 +1,7 @@
 // A usage map of either kind as stretches of bits; shared by UsageMap and PageAllocator alone.
 #pragma once
 
+#include "jet/disk/pager.h"
 #include "jet/format/row_pointer.h"
 #include "jet/format/usage_map_codec.h"
 
@@ -53,6 +54,8 @@ private:
     std::size_t stretches_ = 0;
 };
 
+/// Sets or clears the page's bit where the map has one; false where it has none.
+bool changeMapBit(Pager& pager, RowPointer where, PageNumber page, bool member);
 /// The map's row for changing in place; good until the next call of the pager.
 [[nodiscard]] MutableBytes modifyMapRow(Pager& pager, RowPointer where);
 

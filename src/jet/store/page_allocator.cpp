@@ -1,7 +1,8 @@
+#include "jet/store/page_allocator.h"
+
 #include "jet/format/data_page.h"
 #include "jet/format/header_page.h"
 #include "jet/store/map_reader.h"
-#include "jet/store/usage_map.h"
 
 #include <algorithm>
 
@@ -41,13 +42,13 @@ public:
     // Each of these is the last use of the object: it does not see its own change.
     void setFree(PageNumber page)
     {
-        if (!setBitOf(page, true)) {
+        if (!changeMapBit(pager_, where_, page, true)) {
             if (map_.isInline()) {
                 cover(page);
             } else {
                 addBitmap(page);
             }
-            GlobalMap(pager_).setBitOf(page, true);
+            changeMapBit(pager_, where_, page, true);
         }
     }
 
@@ -55,28 +56,12 @@ public:
     {
         // A reference map that says nothing of a page says what is wanted. An inline map must come to cover the page:
         // other programs take what is above it for free.
-        if (!setBitOf(page, false) && map_.isInline()) {
+        if (!changeMapBit(pager_, where_, page, false) && map_.isInline()) {
             cover(page);
         }
     }
 
 private:
-    bool setBitOf(PageNumber page, bool free)
-    {
-        const std::size_t index = map_.stretchOf(page);
-        const std::optional<MapStretch> stretch = map_.stretch(index);
-        if (!stretch || !stretch->covers(page)) {
-            return false;
-        }
-        const auto bit = static_cast<std::size_t>(page - stretch->firstPage);
-        if (map_.isInline()) {
-            setBit(modifyMapRow(pager_, where_).subspan(UsageMapRow::kInlineHeader), bit, free);
-        } else {
-            setBit(bitmapOf(MutableBytes(pager_.modify(map_.row().pointer(index)))), bit, free);
-        }
-        return true;
-    }
-
     // What a new form of the map says of a page; `known` is the old form there.
     [[nodiscard]] bool bitFor(const std::optional<MapStretch>& known, PageNumber page) const
     {

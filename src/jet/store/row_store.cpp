@@ -1,5 +1,6 @@
 #include "jet/store/row_store.h"
 
+#include "jet/store/page_allocator.h"
 #include "jet/store/space_policy.h"
 
 namespace jet {
@@ -35,10 +36,7 @@ bool RowStore::Cursor::next()
         if (following == 0) {
             return false;
         }
-        page_ = store_->readOwned(following);
-        if (!page_) {
-            throw Error(ErrorCode::Corrupt, following, "A table's map names a page that is not the table's");
-        }
+        page_ = store_->readMember(following);
         pageNumber_ = following;
         nextSlot_ = 0;
     }
@@ -53,7 +51,6 @@ std::optional<StoredRow> RowStore::read(RowPointer address) const
     return resolve(address, page);
 }
 
-// The page when it holds rows of this table, else null.
 PageRef RowStore::readOwned(PageNumber page) const
 {
     if (page >= pager_->pageCount()) {
@@ -63,7 +60,15 @@ PageRef RowStore::readOwned(PageNumber page) const
     return isDataPageOf(*bytes, owner_) ? bytes : nullptr;
 }
 
-// The row whose slot is on the page, if the slot is the address of one.
+PageRef RowStore::readMember(PageNumber page) const
+{
+    PageRef bytes = readOwned(page);
+    if (!bytes) {
+        throw Error(ErrorCode::Corrupt, page, "A table's map names a page that is not the table's");
+    }
+    return bytes;
+}
+
 std::optional<StoredRow> RowStore::resolve(RowPointer address, const PageRef& page) const
 {
     const DataPage home(*page, address.page);
@@ -121,10 +126,7 @@ RowPointer RowStore::insert(ByteView row)
 {
     const PageNumber last = owned_.last();
     if (last != 0) {
-        const PageRef page = readOwned(last);
-        if (!page) {
-            throw Error(ErrorCode::Corrupt, last, "A table's map names a page that is not the table's");
-        }
+        const PageRef page = readMember(last);
         if (DataPage(*page, last).fits(row.size())) {
             return append(last, row, SlotKind::Row);
         }

@@ -67,7 +67,11 @@ public:
     void erase(RowPointer address);
 
 private:
+    /// The page when it holds rows of this table, else null.
     [[nodiscard]] PageRef readOwned(PageNumber page) const;
+    /// A page of the map of owned pages. Throws Corrupt when it does not hold rows of this table.
+    [[nodiscard]] PageRef readMember(PageNumber page) const;
+    /// The row whose slot is on the page, if the slot is the address of one.
     [[nodiscard]] std::optional<StoredRow> resolve(RowPointer address, const PageRef& page) const;
     /// The slots from the row's address to its data; one for a row that never moved, none for no row.
     [[nodiscard]] std::vector<RowPointer> slotsOf(RowPointer address) const;

@@ -1,7 +1,8 @@
 #include "jet/store/table_definition_store.h"
 
 #include "jet/format/at_page.h"
-#include "jet/store/usage_map.h"
+#include "jet/format/table_definition_codec.h"
+#include "jet/store/page_allocator.h"
 
 #include <algorithm>
 #include <unordered_set>
@@ -10,22 +11,17 @@ namespace jet {
 namespace {
 
 constexpr std::uint16_t kDefinitionMark = 0x0102;
-constexpr std::size_t kPageHeader = 8; // mark, free bytes, next page
-constexpr std::size_t kFollowingCapacity = kPageSize - kPageHeader;
+constexpr std::size_t kFollowingCapacity = kPageSize - kDefinitionPageHeader;
 
-// Offsets in the first page.
-constexpr std::size_t kLength = 8;
-constexpr std::size_t kRowCount = 16;
-constexpr std::size_t kLastAutoNumber = 20;
-constexpr std::size_t kIndexCount = 51;
-constexpr std::size_t kIndexHeads = 63;
-constexpr std::size_t kIndexHeadSize = 12;
-constexpr std::size_t kDistinctKeys = 4; // in an index's head
+// Offsets in the header of a page.
+constexpr std::size_t kMark = 0;
+constexpr std::size_t kUnused = 2;
+constexpr std::size_t kNext = 4;
 
 PageRef readDefinitionPage(Pager& pager, PageNumber number)
 {
     PageRef page = pager.read(number);
-    if (getU16(*page, 0) != kDefinitionMark) {
+    if (getU16(*page, kMark) != kDefinitionMark) {
         throw Error(ErrorCode::Corrupt, number, "A page that should hold a table's definition does not");
     }
     return page;
@@ -44,29 +40,30 @@ void walk(Pager& pager, PageNumber first, Function&& wantsMore)
         if (!wantsMore(number, *page)) {
             return;
         }
-        number = getU32(*page, 4);
+        number = getU32(*page, kNext);
     }
 }
 
 void write(Pager& pager, const std::vector<PageNumber>& chain, ByteView definition)
 {
-    definition = definition.subspan(kPageHeader);
+    definition = definition.subspan(kDefinitionPageHeader);
     for (std::size_t i = 0; i < chain.size(); ++i) {
         const ByteView part = definition.first(std::min(definition.size(), kFollowingCapacity));
         definition = definition.subspan(part.size());
         const std::size_t unused = kFollowingCapacity - part.size();
         Page& page = pager.modify(chain[i]);
         page.fill(std::byte{0});
-        putU16(page, 0, kDefinitionMark);
-        putU16(page, 2, static_cast<std::uint16_t>(unused > kPageHeader ? unused - kPageHeader : 0));
-        putU32(page, 4, i + 1 < chain.size() ? chain[i + 1] : 0);
-        putBytes(page, kPageHeader, part);
+        putU16(page, kMark, kDefinitionMark);
+        putU16(page, kUnused,
+               static_cast<std::uint16_t>(unused > kDefinitionPageHeader ? unused - kDefinitionPageHeader : 0));
+        putU32(page, kNext, i + 1 < chain.size() ? chain[i + 1] : 0);
+        putBytes(page, kDefinitionPageHeader, part);
     }
 }
 
 std::size_t pagesFor(std::size_t size)
 {
-    return std::max<std::size_t>(1, (size - kPageHeader + kFollowingCapacity - 1) / kFollowingCapacity);
+    return std::max<std::size_t>(1, (size - kDefinitionPageHeader + kFollowingCapacity - 1) / kFollowingCapacity);
 }
 
 } // namespace
@@ -78,10 +75,10 @@ TableDefinition TableDefinitionStore::load(PageNumber first) const
     walk(*pager_, first, [&](PageNumber number, const Page& page) {
         const ByteView content = page;
         if (number == first) {
-            length = getU32(content, kLength);
+            length = tableDefinitionLength(content);
             bytes.assign(content.begin(), content.end());
         } else {
-            bytes.insert(bytes.end(), content.begin() + kPageHeader, content.end());
+            append(bytes, content.subspan(kDefinitionPageHeader));
         }
         return bytes.size() < length;
     });
@@ -129,16 +126,8 @@ void TableDefinitionStore::save(PageNumber first, const TableDefinition& definit
 
 void TableDefinitionStore::saveCounters(PageNumber first, const TableDefinition& definition)
 {
-    const PageRef stored = readDefinitionPage(*pager_, first);
-    if (getU32(*stored, kIndexCount) != definition.realIndexes.size()) {
-        throw Error(ErrorCode::InvalidArgument, first, "The counters are not of the definition that is stored");
-    }
-    Page& page = pager_->modify(first);
-    putU32(page, kRowCount, definition.rowCount);
-    putU32(page, kLastAutoNumber, static_cast<std::uint32_t>(definition.lastAutoNumber));
-    for (std::size_t i = 0; i < definition.realIndexes.size(); ++i) {
-        putU32(page, kIndexHeads + kIndexHeadSize * i + kDistinctKeys, definition.realIndexes[i].distinctKeys);
-    }
+    static_cast<void>(readDefinitionPage(*pager_, first));
+    atPage(first, [&] { putTableCounters(pager_->modify(first), definition); });
 }
 
 } // namespace jet

@@ -2,6 +2,7 @@
 
 #include "jet/format/data_page.h"
 #include "jet/store/map_reader.h"
+#include "jet/store/page_allocator.h"
 
 #include <algorithm>
 
@@ -15,27 +16,6 @@ PageNumber checkedMember(const Pager& pager, RowPointer where, std::int64_t memb
         throw Error(ErrorCode::Corrupt, where.page, "A usage map names pages past the end of the file");
     }
     return static_cast<PageNumber>(member);
-}
-
-// Sets or clears the page's bit where the map has one; false where it has none.
-bool changeMember(Pager& pager, RowPointer where, PageNumber page, bool member)
-{
-    const MapReader map(pager, where);
-    const std::size_t index = map.stretchOf(page);
-    const std::optional<MapStretch> stretch = map.stretch(index);
-    if (!stretch || !stretch->covers(page)) {
-        return false;
-    }
-    if (stretch->contains(page) == member) {
-        return true;
-    }
-    const auto bit = static_cast<std::size_t>(page - stretch->firstPage);
-    if (map.isInline()) {
-        setBit(modifyMapRow(pager, where).subspan(UsageMapRow::kInlineHeader), bit, member);
-    } else {
-        setBit(bitmapOf(MutableBytes(pager.modify(map.row().pointer(index)))), bit, member);
-    }
-    return true;
 }
 
 // Gives a reference map a bitmap page for the page.
@@ -55,9 +35,9 @@ void makeReferenceMap(Pager& pager, RowPointer where, const std::vector<PageNumb
 {
     initializeReferenceMap(modifyMapRow(pager, where));
     for (const PageNumber member : members) {
-        if (!changeMember(pager, where, member, true)) {
+        if (!changeMapBit(pager, where, member, true)) {
             addBitmap(pager, where, member);
-            changeMember(pager, where, member, true);
+            changeMapBit(pager, where, member, true);
         }
     }
 }
@@ -115,7 +95,7 @@ PageNumber UsageMap::next(PageNumber page) const
 {
     const MapReader map(*pager_, where_);
     const std::int64_t from = std::int64_t{page} + 1;
-    for (std::size_t i = map.isInline() ? 0 : page / kPagesPerBitmap; i < map.stretchCount(); ++i) {
+    for (std::size_t i = map.stretchOf(page); i < map.stretchCount(); ++i) {
         if (const std::optional<MapStretch> stretch = map.stretch(i)) {
             if (const std::optional<std::int64_t> member = stretch->firstFrom(from)) {
                 return checkedMember(*pager_, where_, *member);
@@ -157,13 +137,13 @@ void UsageMap::add(PageNumber page)
     if (page == 0 || page >= pager_->pageCount()) {
         throw Error(ErrorCode::InvalidArgument, page, "There is no such page to be noted in a usage map");
     }
-    if (changeMember(*pager_, where_, page, true)) {
+    if (changeMapBit(*pager_, where_, page, true)) {
         return;
     }
     const MapReader map(*pager_, where_);
     if (!map.isInline()) {
         addBitmap(*pager_, where_, page);
-        changeMember(*pager_, where_, page, true);
+        changeMapBit(*pager_, where_, page, true);
         return;
     }
     std::vector<PageNumber> members = pages();
@@ -182,7 +162,7 @@ void UsageMap::add(PageNumber page)
 
 void UsageMap::remove(PageNumber page)
 {
-    changeMember(*pager_, where_, page, false);
+    changeMapBit(*pager_, where_, page, false);
 }
 
 } // namespace jet

@@ -3,6 +3,7 @@
 #include "jet/database/diary_content.h"
 #include "jet/database/small_diary.h"
 #include "jet/disk/memory_file.h"
+#include "jet/disk/page.h"
 #include "jet/support/fault_file_system.h"
 #include "jet/support/journal_referee_file_system.h"
 #include "jet/support/power_failure.h"

@@ -1,5 +1,6 @@
 // What the check says of a catalogue, of definitions and of relationships that are broken.
 #include "jet/database/breakable_diary.h"
+#include "jet/store/page_allocator.h"
 
 #include <gtest/gtest.h>
 

@@ -3,6 +3,7 @@
 #include "jet/format/data_page.h"
 #include "jet/format/header_page.h"
 #include "jet/format/usage_map_codec.h"
+#include "jet/store/page_allocator.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 #include "jet/database/builders.h"
 #include "jet/database/small_diary.h"
 #include "jet/disk/memory_file.h"
+#include "jet/disk/page.h"
 #include "jet/support/error_matchers.h"
 #include "jet/support/forwarding_file_system.h"
 

@@ -47,8 +47,12 @@ protected:
         open(Database::open(files_, kPath));
     }
 
-    void setProperties(const PropertyBlob& blob)
+    /// Gives the table one Boolean property of a column.
+    void setProperty(const char* column, const char* name, bool on)
     {
+        const Property property{
+            .name = name, .structural = true, .type = 1, .data = Bytes(1, on ? std::byte{0xFF} : std::byte{0})};
+        const PropertyBlob blob{.sets = {{.owner = column, .kind = 1, .properties = {property}}}, .names = {}};
         database_.reset();
         {
             Pager pager(files_, kPath, OpenMode::ReadWrite);
@@ -125,10 +129,7 @@ TEST_F(Refusals, AColumnOfUnknownTypeIsCopiedAndTakesNoValue)
 
 TEST_F(Refusals, ARequiredColumnTakesNoNull)
 {
-    PropertyBlob blob;
-    blob.at("Note").kind = 1;
-    blob.at("Note").setBoolean("Required", true, true);
-    setProperties(blob);
+    setProperty("Note", "Required", true);
     EXPECT_THAT(
         [&] {
             table().insert(values(table(), {{"Name", u"x"}}));
@@ -145,10 +146,7 @@ TEST_F(Refusals, ARequiredColumnTakesNoNull)
 
 TEST_F(Refusals, AColumnThatTakesNoEmptyTextTakesNull)
 {
-    PropertyBlob blob;
-    blob.at("Note").kind = 1;
-    blob.at("Note").setBoolean("AllowZeroLength", false, true);
-    setProperties(blob);
+    setProperty("Note", "AllowZeroLength", false);
     EXPECT_THAT(
         [&] {
             table().insert(values(table(), {{"Note", u""}}));

@@ -1,4 +1,4 @@
-#include "jet/format/index_page.h"
+#include "jet/format/index_page_content.h"
 
 #include "jet/format/hex.h"
 

@@ -1,6 +1,7 @@
 #include "jet/format/property_blob.h"
 
 #include "jet/format/hex.h"
+#include "jet/format/text_codec.h"
 #include "jet/support/error_matchers.h"
 
 #include <gmock/gmock.h>
@@ -28,10 +29,12 @@ TEST(PropertyBlob, ReadsNamesAndValues)
     ASSERT_EQ(blob.sets.size(), 1U);
     const PropertySet* object = blob.find("");
     ASSERT_NE(object, nullptr);
-    EXPECT_EQ(object->text("AccessVersion"), "08.50");
-    EXPECT_EQ(object->text("Build"), std::nullopt) << "it is no text";
+    ASSERT_NE(object->find("AccessVersion"), nullptr);
+    EXPECT_EQ(object->find("AccessVersion")->type, 10);
+    EXPECT_EQ(decodePlainText(object->find("AccessVersion")->data), u"08.50");
     ASSERT_NE(object->find("Build"), nullptr);
     EXPECT_EQ(toHex(object->find("Build")->data), "dc190000");
+    EXPECT_EQ(object->boolean("Build"), std::nullopt) << "it is a number";
     EXPECT_EQ(object->find("Caption"), nullptr);
     EXPECT_EQ(blob.find("Comment"), nullptr);
 }
@@ -43,18 +46,27 @@ TEST(PropertyBlob, WritesTheBytesThatItRead)
 
 TEST(PropertyBlob, IsBuiltFromNothing)
 {
-    PropertyBlob blob;
-    blob.at("").setText("AccessVersion", "08.50", false);
-    blob.at("").setLong("Build", 6620, false);
+    const PropertySet object{
+        .owner = {},
+        .kind = 0,
+        .properties = {
+            {.name = "AccessVersion", .structural = false, .type = 10, .data = encodePlainText(u"08.50")},
+            {.name = "Build", .structural = false, .type = 4, .data = fromHex("DC190000")},
+        }};
+    const PropertyBlob blob{.sets = {object}, .names = {}};
     EXPECT_EQ(toHex(encodePropertyBlob(blob)), toHex(fromHex(kVersionBlob)));
 }
 
 TEST(PropertyBlob, HoldsPropertiesOfColumns)
 {
-    PropertyBlob blob;
-    blob.at("Mmol").setBoolean("Required", true, true);
-    blob.at("Mmol").setBoolean("Required", false, true); // replaces
-    blob.at("Comment").setBoolean("AllowZeroLength", true, true);
+    const PropertySet mmol{.owner = "Mmol",
+                           .kind = 1,
+                           .properties = {{.name = "Required", .structural = true, .type = 1, .data = fromHex("00")}}};
+    const PropertySet comment{
+        .owner = "Comment",
+        .kind = 1,
+        .properties = {{.name = "AllowZeroLength", .structural = true, .type = 1, .data = fromHex("FF")}}};
+    const PropertyBlob blob{.sets = {mmol, comment}, .names = {}};
     EXPECT_EQ(toHex(encodePropertyBlob(blob)),
               toHex(fromHex("4D523200 "
                             "38000000 8000 1000 5200650071007500690072006500 6400 "
@@ -72,8 +84,9 @@ TEST(PropertyBlob, HoldsPropertiesOfColumns)
 TEST(PropertyBlob, KeepsWhatItDoesNotKnow)
 {
     PropertyBlob blob = decodePropertyBlob(fromHex(kVersionBlob));
-    blob.at("").properties.push_back({.name = "NameMap", .structural = false, .type = 11, .data = fromHex("0ACCDE")});
-    blob.at("").setText("AccessVersion", "09.50", false);
+    std::vector<Property>& properties = blob.sets.front().properties;
+    properties.push_back({.name = "NameMap", .structural = false, .type = 11, .data = fromHex("0ACCDE")});
+    properties.front().data = encodePlainText(u"09.50");
     const PropertyBlob read = decodePropertyBlob(encodePropertyBlob(blob));
     EXPECT_EQ(read.find("")->find("NameMap")->type, 11);
     EXPECT_EQ(toHex(read.find("")->find("NameMap")->data), "0accde");

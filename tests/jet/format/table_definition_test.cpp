@@ -1,4 +1,4 @@
-#include "jet/format/table_definition.h"
+#include "jet/format/table_definition_codec.h"
 
 #include "jet/format/hex.h"
 #include "jet/support/error_matchers.h"

@@ -1,5 +1,6 @@
 #include "jet/store/index_tree.h"
 
+#include "jet/format/index_page_content.h"
 #include "jet/store/modelled_tree.h"
 
 #include <gmock/gmock.h>

@@ -4,6 +4,8 @@
 #include "jet/disk/memory_file.h"
 #include "jet/format/header_page.h"
 #include "jet/store/index_tree.h"
+#include "jet/store/page_allocator.h"
+#include "jet/store/usage_map.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 
 #include "jet/format/hex.h"
 #include "jet/store/new_file.h"
+#include "jet/store/page_allocator.h"
 #include "jet/support/error_matchers.h"
 
 #include <gmock/gmock.h>

@@ -1,11 +1,13 @@
 // Every definition, map, row and long value of files that other programs wrote.
 #include "jet/store/long_value_store.h"
+#include "jet/store/page_allocator.h"
 #include "jet/store/row_store.h"
 #include "jet/store/table_definition_store.h"
 
 #include "jet/format/header_page.h"
 #include "jet/format/hex.h"
 #include "jet/format/property_blob.h"
+#include "jet/format/table_definition_codec.h"
 #include "jet/format/utf.h"
 #include "jet/support/sample_files.h"
 

@@ -1,6 +1,7 @@
 #include "jet/store/table_definition_store.h"
 
 #include "jet/format/hex.h"
+#include "jet/format/table_definition_codec.h"
 #include "jet/store/new_file.h"
 #include "jet/support/error_matchers.h"
 
