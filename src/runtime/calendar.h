@@ -22,4 +22,10 @@ struct DateParts {
 /// Nothing when there is no such day or time, or its year is not one of 100 to 9999.
 [[nodiscard]] std::optional<Date> dateFromParts(const DateParts& parts);
 
+/// The year that a number of one or two digits stands for: 0 to 29 are 2000 to 2029, 30 to 99 are 1930 to 1999.
+[[nodiscard]] constexpr int yearOfTwoDigits(int digits)
+{
+    return digits + (digits < 30 ? 2000 : 1900);
+}
+
 } // namespace runtime

@@ -11,8 +11,6 @@
 namespace runtime {
 namespace {
 
-constexpr int kFirstYearOfTheLastCentury = 30; ///< of those written with two digits
-
 struct WrittenNumber {
     int value = 0;
     qsizetype digits = 0;
@@ -112,7 +110,7 @@ private:
     static bool takeYear(const WrittenNumber& year, DateParts& parts)
     {
         if (year.digits == 2) {
-            parts.year = year.value + (year.value < kFirstYearOfTheLastCentury ? 2000 : 1900);
+            parts.year = yearOfTwoDigits(year.value);
             return true;
         }
         parts.year = year.value;

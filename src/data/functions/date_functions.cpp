@@ -2,7 +2,6 @@
 #include "data/functions/function.h"
 #include "runtime/calendar.h"
 #include "runtime/conversions.h"
-#include "runtime/run_time_error.h"
 
 #include <array>
 #include <cmath>
@@ -11,11 +10,6 @@ namespace data {
 namespace {
 
 using runtime::Value;
-
-[[noreturn]] void refuse()
-{
-    throw runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
-}
 
 runtime::DateParts partsOf(const Value& value)
 {
@@ -69,11 +63,11 @@ Value datePart(Arguments arguments)
 Value dateSerial(Arguments arguments)
 {
     const qint32 given = runtime::toLong(arguments[0]);
-    const qint32 year = given >= 0 && given < 30 ? given + 2000 : (given >= 30 && given < 100 ? given + 1900 : given);
+    const qint32 year = given >= 0 && given < 100 ? runtime::yearOfTwoDigits(given) : given;
     const qint64 months = qint64{year} * 12 + runtime::toLong(arguments[1]) - 1;
     const qint64 days = qint64{runtime::toLong(arguments[2])} - 1;
     if (months < 0 || months >= qint64{10000} * 12) {
-        refuse();
+        refuseArgument();
     }
     const QDate first(static_cast<int>(months / 12), static_cast<int>(months % 12) + 1, 1);
     Moment moment;
@@ -120,7 +114,7 @@ Value monthName(Arguments arguments)
 {
     const qint32 month = countOf(arguments[0], 1);
     if (month > 12) {
-        refuse();
+        refuseArgument();
     }
     return runtime::currentLocale().standaloneMonthName(month, nameForm(arguments));
 }
@@ -130,7 +124,7 @@ Value weekdayName(Arguments arguments)
     const qint32 number = countOf(arguments[0], 1);
     const Week week = weekOf(arguments, 2);
     if (number > 7) {
-        refuse();
+        refuseArgument();
     }
     const int fromSunday = (number - 1 + week.firstDay - 1) % 7; // 0 is Sunday
     return runtime::currentLocale().standaloneDayName(fromSunday == 0 ? 7 : fromSunday, nameForm(arguments));

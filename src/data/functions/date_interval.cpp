@@ -1,8 +1,8 @@
 #include "data/functions/date_interval.h"
 
+#include "data/functions/function.h"
 #include "runtime/calendar.h"
 #include "runtime/conversions.h"
-#include "runtime/run_time_error.h"
 
 #include <algorithm>
 #include <array>
@@ -11,11 +11,6 @@ namespace data {
 namespace {
 
 constexpr qint64 kSecondsADay = 86400;
-
-[[noreturn]] void refuse()
-{
-    throw runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
-}
 
 qint64 floorDivide(qint64 number, qint64 divisor)
 {
@@ -46,7 +41,7 @@ Moment addedMonths(const Moment& moment, qint64 months)
 {
     constexpr qint64 kMost = qint64{10000} * 12;
     if (months < -kMost || months > kMost) {
-        refuse();
+        refuseArgument();
     }
     Moment result = moment;
     result.day = moment.day.addMonths(static_cast<int>(months));
@@ -103,7 +98,7 @@ Interval intervalNamed(const QString& name)
         return candidate.name.compare(name, Qt::CaseInsensitive) == 0;
     });
     if (found == kIntervals.end()) {
-        refuse();
+        refuseArgument();
     }
     return found->interval;
 }
@@ -126,7 +121,7 @@ runtime::Date Moment::date() const
     parts.second = second % 60;
     const std::optional<runtime::Date> date = runtime::dateFromParts(parts);
     if (!date) {
-        refuse();
+        refuseArgument();
     }
     return *date;
 }
@@ -141,7 +136,7 @@ Week Week::checked() const
         result.firstWeekRule = 1;
     }
     if (result.firstDay < 1 || result.firstDay > 7 || result.firstWeekRule < 1 || result.firstWeekRule > 3) {
-        refuse();
+        refuseArgument();
     }
     return result;
 }
@@ -174,7 +169,7 @@ Moment added(Interval interval, qint32 count, const Moment& moment)
     case Interval::Second:
         return momentOf(secondsOf(moment) + count);
     }
-    refuse();
+    refuseArgument();
 }
 
 qint64 differenceIn(Interval interval, const Moment& from, const Moment& to, const Week& week)
@@ -203,7 +198,7 @@ qint64 differenceIn(Interval interval, const Moment& from, const Moment& to, con
     case Interval::Second:
         return secondsOf(to) - secondsOf(from);
     }
-    refuse();
+    refuseArgument();
 }
 
 int partIn(Interval interval, const Moment& moment, const Week& week)
@@ -230,7 +225,7 @@ int partIn(Interval interval, const Moment& moment, const Week& week)
     case Interval::Second:
         return moment.second % 60;
     }
-    refuse();
+    refuseArgument();
 }
 
 } // namespace data

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <vector>
 
 namespace data {
 
@@ -21,7 +22,7 @@ runtime::Value call(const Function& function, Arguments arguments)
     return function.evaluate(arguments);
 }
 
-const std::vector<const Function*>& allFunctions()
+std::span<const Function* const> allFunctions()
 {
     static const std::vector<const Function*> functions = [] {
         std::vector<const Function*> result;
@@ -48,11 +49,16 @@ const Function* functionNamed(QStringView name)
     return byName.value(name.toString().toLower(), nullptr);
 }
 
+void refuseArgument()
+{
+    throw runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
+}
+
 qint32 countOf(const runtime::Value& value, qint32 least)
 {
     const qint32 count = runtime::toLong(value);
     if (count < least) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
+        refuseArgument();
     }
     return count;
 }

@@ -7,7 +7,6 @@
 #include <QStringView>
 
 #include <span>
-#include <vector>
 
 namespace data {
 
@@ -42,23 +41,23 @@ template <FieldType type>
 /// The function of that name without regard to case, or null. IIf, Nz, Choose and Switch, Now, Date and Time, and the
 /// aggregates are not among them: the translator knows these.
 [[nodiscard]] const Function* functionNamed(QStringView name);
-[[nodiscard]] const std::vector<const Function*>& allFunctions();
+[[nodiscard]] std::span<const Function* const> allFunctions();
 
 /// Operators that SQLite's own ones do not stand for. They cannot be called by name.
 namespace operators {
-[[nodiscard]] const Function& concatenate(); ///< any number of operands; null counts as "" unless all are null
-[[nodiscard]] const Function& add();         ///< two texts are joined, everything else is added
-[[nodiscard]] const Function& subtract();
-[[nodiscard]] const Function& multiply();
-[[nodiscard]] const Function& divide();      ///< error 11 for a divisor of 0, as the next two
-[[nodiscard]] const Function& wholeDivide(); ///< of whole numbers, halves rounded to even
-[[nodiscard]] const Function& modulo();      ///< likewise
-[[nodiscard]] const Function& power();
-[[nodiscard]] const Function& negate();
-[[nodiscard]] const Function& like();
-[[nodiscard]] const Function& truth();  ///< a value as a condition
-[[nodiscard]] const Function& asText(); ///< null stays null
-[[nodiscard]] const std::vector<const Function*>& all();
+extern const Function kConcatenate; ///< any number of operands; null counts as "" unless all are null
+extern const Function kAdd;         ///< two texts are joined, everything else is added
+extern const Function kSubtract;
+extern const Function kMultiply;
+extern const Function kDivide;      ///< error 11 for a divisor of 0, as the next two
+extern const Function kWholeDivide; ///< of whole numbers, halves rounded to even
+extern const Function kModulo;      ///< likewise
+extern const Function kPower;
+extern const Function kNegate;
+extern const Function kLike;
+extern const Function kTruth;  ///< a value as a condition
+extern const Function kAsText; ///< null stays null
+[[nodiscard]] std::span<const Function* const> all();
 } // namespace operators
 
 // The families, each in a file of its own.
@@ -67,7 +66,9 @@ namespace operators {
 [[nodiscard]] std::span<const Function> numberFunctions();
 [[nodiscard]] std::span<const Function> conversionFunctions();
 
-/// A number from a value, whole numbers rounded half to even; 5 when it is below `least`.
+/// Throws run-time error 5, "Invalid procedure call or argument".
+[[noreturn]] void refuseArgument();
+/// The argument as a whole number, rounded half to even; 5 when it is below `least`.
 [[nodiscard]] qint32 countOf(const runtime::Value& value, qint32 least);
 
 } // namespace data

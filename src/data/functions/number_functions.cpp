@@ -63,7 +63,7 @@ Value sign(Arguments arguments)
 Value squareRoot(Arguments arguments)
 {
     if (numberOf(arguments) < 0) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
+        refuseArgument();
     }
     return std::sqrt(numberOf(arguments));
 }
@@ -76,7 +76,7 @@ Value exponential(Arguments arguments)
 Value logarithm(Arguments arguments)
 {
     if (numberOf(arguments) <= 0) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
+        refuseArgument();
     }
     return std::log(numberOf(arguments));
 }

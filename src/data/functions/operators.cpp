@@ -117,7 +117,7 @@ Value powerOfValues(Arguments arguments)
     const double base = runtime::toDouble(arguments[0]);
     const double exponent = runtime::toDouble(arguments[1]);
     if ((base < 0 && exponent != std::trunc(exponent)) || (base == 0 && exponent < 0)) {
-        fail(runtime::ErrorNumber::InvalidProcedureCall);
+        refuseArgument();
     }
     return finite(std::pow(base, exponent));
 }
@@ -163,84 +163,30 @@ ExpressionType unknown(std::span<const ExpressionType>)
 
 constexpr int kNoLimit = 100;
 
-constexpr std::array<Function, 12> kOperators{{
-    {u"concatenate", 1, kNoLimit, Nulls::Own, always<FieldType::Text>, concatenateValues},
-    {u"add", 2, 2, Nulls::Pass, unknown, addValues},
-    {u"subtract", 2, 2, Nulls::Pass, always<FieldType::Double>, subtractValues},
-    {u"multiply", 2, 2, Nulls::Pass, always<FieldType::Double>, multiplyValues},
-    {u"divide", 2, 2, Nulls::Pass, always<FieldType::Double>, divideValues},
-    {u"whole_divide", 2, 2, Nulls::Pass, always<FieldType::Long>, wholeDivideValues},
-    {u"modulo", 2, 2, Nulls::Pass, always<FieldType::Long>, moduloValues},
-    {u"power", 2, 2, Nulls::Pass, always<FieldType::Double>, powerOfValues},
-    {u"negate", 1, 1, Nulls::Pass, always<FieldType::Double>, negateValue},
-    {u"like", 2, 2, Nulls::Pass, always<FieldType::Boolean>, isLike},
-    {u"truth", 1, 1, Nulls::Pass, always<FieldType::Boolean>, truthOf},
-    {u"as_text", 1, 1, Nulls::Pass, always<FieldType::Text>, textOf},
-}};
-
 } // namespace
 
 namespace operators {
 
-const Function& concatenate()
-{
-    return kOperators[0];
-}
-const Function& add()
-{
-    return kOperators[1];
-}
-const Function& subtract()
-{
-    return kOperators[2];
-}
-const Function& multiply()
-{
-    return kOperators[3];
-}
-const Function& divide()
-{
-    return kOperators[4];
-}
-const Function& wholeDivide()
-{
-    return kOperators[5];
-}
-const Function& modulo()
-{
-    return kOperators[6];
-}
-const Function& power()
-{
-    return kOperators[7];
-}
-const Function& negate()
-{
-    return kOperators[8];
-}
-const Function& like()
-{
-    return kOperators[9];
-}
-const Function& truth()
-{
-    return kOperators[10];
-}
-const Function& asText()
-{
-    return kOperators[11];
-}
+constinit const Function kConcatenate{u"concatenate",   1, kNoLimit, Nulls::Own, always<FieldType::Text>,
+                                      concatenateValues};
+constinit const Function kAdd{u"add", 2, 2, Nulls::Pass, unknown, addValues};
+constinit const Function kSubtract{u"subtract", 2, 2, Nulls::Pass, always<FieldType::Double>, subtractValues};
+constinit const Function kMultiply{u"multiply", 2, 2, Nulls::Pass, always<FieldType::Double>, multiplyValues};
+constinit const Function kDivide{u"divide", 2, 2, Nulls::Pass, always<FieldType::Double>, divideValues};
+constinit const Function kWholeDivide{u"whole_divide", 2, 2, Nulls::Pass, always<FieldType::Long>, wholeDivideValues};
+constinit const Function kModulo{u"modulo", 2, 2, Nulls::Pass, always<FieldType::Long>, moduloValues};
+constinit const Function kPower{u"power", 2, 2, Nulls::Pass, always<FieldType::Double>, powerOfValues};
+constinit const Function kNegate{u"negate", 1, 1, Nulls::Pass, always<FieldType::Double>, negateValue};
+constinit const Function kLike{u"like", 2, 2, Nulls::Pass, always<FieldType::Boolean>, isLike};
+constinit const Function kTruth{u"truth", 1, 1, Nulls::Pass, always<FieldType::Boolean>, truthOf};
+constinit const Function kAsText{u"as_text", 1, 1, Nulls::Pass, always<FieldType::Text>, textOf};
 
-const std::vector<const Function*>& all()
+std::span<const Function* const> all()
 {
-    static const std::vector<const Function*> operators = [] {
-        std::vector<const Function*> result;
-        for (const Function& function : kOperators) {
-            result.push_back(&function);
-        }
-        return result;
-    }();
-    return operators;
+    static constexpr std::array<const Function*, 12> kAll{&kConcatenate, &kAdd,         &kSubtract, &kMultiply,
+                                                          &kDivide,      &kWholeDivide, &kModulo,   &kPower,
+                                                          &kNegate,      &kLike,        &kTruth,    &kAsText};
+    return kAll;
 }
 
 } // namespace operators

@@ -16,11 +16,6 @@ using runtime::Value;
 /// No function makes a longer text: a slip in a number must not exhaust the memory.
 constexpr qint32 kLongestText = 1'000'000;
 
-[[noreturn]] void refuse()
-{
-    throw runtime::RunTimeError(runtime::ErrorNumber::InvalidProcedureCall);
-}
-
 QString textOf(const Value& value)
 {
     return runtime::toText(value);
@@ -35,7 +30,7 @@ Qt::CaseSensitivity comparisonOf(Arguments arguments, std::size_t position)
     }
     const qint32 comparison = countOf(arguments[position], 0);
     if (comparison > 2) {
-        refuse();
+        refuseArgument();
     }
     return comparison == 0 ? Qt::CaseSensitive : Qt::CaseInsensitive;
 }
@@ -135,7 +130,7 @@ Value replace(Arguments arguments)
         result += QStringView(text).mid(position, found - position);
         result += with;
         if (result.size() > kLongestText) {
-            refuse();
+            refuseArgument();
         }
         position = found + sought.size();
     }
@@ -152,7 +147,7 @@ QString repeated(QChar character, const Value& count)
 {
     const qint32 times = countOf(count, 0);
     if (times > kLongestText) {
-        refuse();
+        refuseArgument();
     }
     return QString(times, character);
 }
@@ -166,7 +161,7 @@ QChar characterOf(const Value& code)
 {
     const qint32 number = countOf(code, 0);
     if (number > 0xFFFF) {
-        refuse();
+        refuseArgument();
     }
     return QChar(static_cast<char16_t>(number));
 }
@@ -176,7 +171,7 @@ Value repeat(Arguments arguments)
 {
     if (const QString* text = std::get_if<QString>(&arguments[1])) {
         if (text->isEmpty()) {
-            refuse();
+            refuseArgument();
         }
         return repeated(text->front(), arguments[0]);
     }
@@ -187,7 +182,7 @@ Value codeOf(Arguments arguments)
 {
     const QString text = textOf(arguments[0]);
     if (text.isEmpty()) {
-        refuse();
+        refuseArgument();
     }
     return qint32{text.front().unicode()};
 }

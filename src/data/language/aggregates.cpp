@@ -1,5 +1,7 @@
 #include "data/language/aggregates.h"
 
+#include "data/language/expression_walk.h"
+
 #include <algorithm>
 #include <array>
 
@@ -40,6 +42,14 @@ const Aggregate* aggregateNamed(QStringView name)
         return candidate.name.compare(name, Qt::CaseInsensitive) == 0;
     });
     return found == kAggregates.end() ? nullptr : found;
+}
+
+bool containsAggregate(const Expression& expression)
+{
+    const auto* call = std::get_if<FunctionCall>(&expression.node);
+    bool found = call != nullptr && aggregateNamed(call->name) != nullptr;
+    forEachPart(expression, [&](const Expression& part) { found = found || containsAggregate(part); });
+    return found;
 }
 
 } // namespace data

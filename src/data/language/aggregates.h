@@ -1,6 +1,7 @@
 // Functions over the rows of a group.
 #pragma once
 
+#include "data/language/sql_ast.h"
 #include "data/types/expression_type.h"
 
 #include <QStringView>
@@ -18,5 +19,8 @@ struct Aggregate {
 
 /// The aggregate of that name without regard to case, or null.
 [[nodiscard]] const Aggregate* aggregateNamed(QStringView name);
+
+/// Whether an aggregate stands in the expression (not counting subqueries).
+[[nodiscard]] bool containsAggregate(const Expression& expression);
 
 } // namespace data

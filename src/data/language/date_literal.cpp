@@ -49,15 +49,6 @@ Halves halvesOf(const QString& text)
     return {text.left(hour).trimmed(), text.mid(hour).trimmed()};
 }
 
-int fullYear(const QString& digits)
-{
-    const int year = digits.toInt();
-    if (digits.size() > 2) {
-        return year;
-    }
-    return year < 30 ? 2000 + year : 1900 + year;
-}
-
 /// Month/day/year; only called for texts of that shape.
 std::optional<runtime::Date> monthFirst(const QRegularExpressionMatch& match, const runtime::DateParts& time)
 {
@@ -67,7 +58,8 @@ std::optional<runtime::Date> monthFirst(const QRegularExpressionMatch& match, co
     if (parts.month > 12) {
         std::swap(parts.month, parts.day);
     }
-    parts.year = fullYear(match.captured(3));
+    const QString year = match.captured(3);
+    parts.year = year.size() == 2 ? runtime::yearOfTwoDigits(year.toInt()) : year.toInt();
     return runtime::dateFromParts(parts);
 }
 

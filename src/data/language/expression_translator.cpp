@@ -1,82 +1,14 @@
 #include "data/language/expression_translator.h"
 
 #include "data/language/aggregates.h"
-#include "data/language/expression_walk.h"
 #include "data/language/sql_error.h"
 
 #include <algorithm>
 #include <array>
-#include <limits>
-#include <utility>
 
 namespace data {
-namespace {
 
 using runtime::Value;
-
-QString symbolOf(BinaryOperator op)
-{
-    using enum BinaryOperator;
-    switch (op) {
-    case Multiply:
-        return QStringLiteral("*");
-    case Add:
-        return QStringLiteral("+");
-    case Subtract:
-        return QStringLiteral("-");
-    case Equal:
-        return QStringLiteral("=");
-    case NotEqual:
-        return QStringLiteral("<>");
-    case Less:
-        return QStringLiteral("<");
-    case LessOrEqual:
-        return QStringLiteral("<=");
-    case Greater:
-        return QStringLiteral(">");
-    case GreaterOrEqual:
-        return QStringLiteral(">=");
-    default:
-        return {};
-    }
-}
-
-TypedSql truth(QString sql, Rank rank)
-{
-    return {std::move(sql), typeOf(FieldType::Boolean), rank, true, std::nullopt, -1};
-}
-
-TypedSql computed(QString sql, ExpressionType type, Rank rank = Rank::Atom)
-{
-    return {std::move(sql), type, rank, false, std::nullopt, -1};
-}
-
-Rank oneTighter(Rank rank)
-{
-    return static_cast<Rank>(static_cast<int>(rank) + 1);
-}
-
-} // namespace
-
-QString TranslationState::parameter(const Value& value)
-{
-    std::size_t index = 0;
-    while (index < parameters.size() && parameters[index] != value) {
-        ++index;
-    }
-    if (index == parameters.size()) {
-        parameters.push_back(value);
-    }
-    return u'?' + QString::number(index + 1);
-}
-
-bool containsAggregate(const Expression& expression)
-{
-    const auto* call = std::get_if<FunctionCall>(&expression.node);
-    bool found = call != nullptr && aggregateNamed(call->name) != nullptr;
-    forEachPart(expression, [&](const Expression& part) { found = found || containsAggregate(part); });
-    return found;
-}
 
 // --- Forms of an expression --------------------------------------------------------------------------------------
 
@@ -103,7 +35,7 @@ QString ExpressionTranslator::argument(const TypedSql& part)
 
 TypedSql ExpressionTranslator::asText(const TypedSql& part)
 {
-    return part.type.isText() ? part : operatorCall(operators::asText(), {part});
+    return part.type.isText() ? part : operatorCall(operators::kAsText, {part});
 }
 
 QString ExpressionTranslator::asType(const TypedSql& part, ExpressionType type)
@@ -118,7 +50,7 @@ TypedSql ExpressionTranslator::value(const Expression& expression, Scope& scope)
     if (!result.isCondition) {
         return result;
     }
-    return computed(QStringLiteral("-(%1)").arg(result.sql), typeOf(FieldType::Boolean), Rank::Product);
+    return {QStringLiteral("-(%1)").arg(result.sql), typeOf(FieldType::Boolean), Rank::Product};
 }
 
 TypedSql ExpressionTranslator::condition(const Expression& expression, Scope& scope)
@@ -127,7 +59,7 @@ TypedSql ExpressionTranslator::condition(const Expression& expression, Scope& sc
     if (result.isCondition || result.type.isNumber() || result.type.is(FieldType::Date)) {
         return result;
     }
-    return operatorCall(operators::truth(), {result});
+    return operatorCall(operators::kTruth, {result});
 }
 
 /// In a group, an expression that is grouped by stands for itself, whatever it is made of.
@@ -199,8 +131,7 @@ ExpressionType ExpressionTranslator::typeOfValue(const Value& value)
 
 TypedSql ExpressionTranslator::literal(const Value& value)
 {
-    TypedSql result = computed({}, typeOfValue(value));
-    result.literal = value;
+    TypedSql result{.sql = {}, .type = typeOfValue(value), .literal = value};
     if (runtime::isNull(value)) {
         result.sql = QStringLiteral("NULL");
     } else if (const bool* flag = std::get_if<bool>(&value)) {
@@ -244,9 +175,7 @@ TypedSql ExpressionTranslator::column(const ColumnName& name, const Expression& 
                                    "as part of an aggregate function.")
                         .arg(state_.sql->mid(expression.place.begin, expression.place.end - expression.place.begin)));
             }
-            TypedSql result = computed(found->sql, found->type);
-            result.baseColumn = found->baseColumn;
-            return result;
+            return {.sql = found->sql, .type = found->type, .baseColumn = found->baseColumn};
         }
         if (name.source.isEmpty() && here->aliases != nullptr) {
             for (const OutputItem& item : *here->aliases) {
@@ -279,166 +208,7 @@ TypedSql ExpressionTranslator::alias(const OutputItem& item, Scope& scope)
     return result;
 }
 
-// --- Operators ---------------------------------------------------------------------------------------------------
-
-TypedSql ExpressionTranslator::operatorCall(const Function& function, std::initializer_list<TypedSql> operands)
-{
-    QStringList arguments;
-    for (const TypedSql& operand : operands) {
-        arguments.append(argument(operand));
-    }
-    return computed(QStringLiteral("op_%1(%2)").arg(function.name, arguments.join(QStringLiteral(", "))),
-                    function.resultType({}));
-}
-
-TypedSql ExpressionTranslator::negation(const Negation& negation, Scope& scope)
-{
-    const TypedSql operand = value(*negation.operand, scope);
-    if (operand.literal) {
-        if (const qint32* number = std::get_if<qint32>(&*operand.literal)) {
-            return *number == std::numeric_limits<qint32>::min() ? literal(-static_cast<double>(*number))
-                                                                 : literal(-*number);
-        }
-        if (const double* number = std::get_if<double>(&*operand.literal)) {
-            return literal(-*number);
-        }
-    }
-    if (!operand.type.isNumber() && !operand.type.is(FieldType::Date)) {
-        return operatorCall(operators::negate(), {operand});
-    }
-    const ExpressionType type = operand.type.isNumber() ? sumType(operand.type, typeOf(FieldType::Byte)) : operand.type;
-    return computed(QStringLiteral("-(%1)").arg(operand.sql), type, Rank::Product);
-}
-
-TypedSql ExpressionTranslator::binary(const Binary& binary, Scope& scope)
-{
-    using enum BinaryOperator;
-    switch (binary.op) {
-    case Equal:
-    case NotEqual:
-    case Less:
-    case LessOrEqual:
-    case Greater:
-    case GreaterOrEqual:
-        return comparison(symbolOf(binary.op), value(*binary.left, scope), value(*binary.right, scope));
-    case Like: {
-        TypedSql result = operatorCall(operators::like(), {value(*binary.left, scope), value(*binary.right, scope)});
-        result.isCondition = false;
-        return result;
-    }
-    case And:
-    case Or:
-    case Xor:
-    case Eqv:
-    case Imp:
-        return logical(binary, scope);
-    default:
-        return arithmetic(binary, scope);
-    }
-}
-
-/// Numbers and dates are left to SQLite's own operators, which compute whole numbers in 64 bits and all others as
-/// doubles, as Jet does; everything that may fail or convert goes to ours.
-TypedSql ExpressionTranslator::arithmetic(const Binary& binary, Scope& scope)
-{
-    using enum BinaryOperator;
-    const TypedSql left = value(*binary.left, scope);
-    const TypedSql right = value(*binary.right, scope);
-    const auto computes = [](ExpressionType type) { return type.isNumber() || type.is(FieldType::Date); };
-    const bool native = computes(left.type) && computes(right.type);
-    const Rank rank = binary.op == Multiply ? Rank::Product : Rank::Sum;
-    const auto nativeCall = [&](ExpressionType type) {
-        return computed(wrapped(left, rank) + u' ' + symbolOf(binary.op) + u' ' + wrapped(right, oneTighter(rank)),
-                        type, rank);
-    };
-    switch (binary.op) {
-    case Add: {
-        const ExpressionType type = sumType(left.type, right.type);
-        TypedSql result = native ? nativeCall(type) : operatorCall(operators::add(), {left, right});
-        result.type = type;
-        return result;
-    }
-    case Subtract: {
-        const ExpressionType type = differenceType(left.type, right.type);
-        TypedSql result = native ? nativeCall(type) : operatorCall(operators::subtract(), {left, right});
-        result.type = type;
-        return result;
-    }
-    case Multiply:
-        return native ? nativeCall(productType(left.type, right.type))
-                      : operatorCall(operators::multiply(), {left, right});
-    case Divide:
-        return operatorCall(operators::divide(), {left, right});
-    case WholeDivide:
-        return operatorCall(operators::wholeDivide(), {left, right});
-    case Modulo:
-        return operatorCall(operators::modulo(), {left, right});
-    default:
-        return operatorCall(operators::power(), {left, right});
-    }
-}
-
-/// A chain of & is one call, so that long chains do not nest.
-TypedSql ExpressionTranslator::concatenation(const Expression& expression, Scope& scope)
-{
-    constexpr qsizetype kMostArguments = 90;
-    QStringList operands;
-    flatten(expression, scope, operands);
-    const QString call = QStringLiteral("op_concatenate(%1)");
-    while (operands.size() > kMostArguments) {
-        const QString joined = call.arg(operands.mid(0, kMostArguments).join(QStringLiteral(", ")));
-        operands = QStringList{joined} + operands.mid(kMostArguments);
-    }
-    return computed(call.arg(operands.join(QStringLiteral(", "))), typeOf(FieldType::Text));
-}
-
-void ExpressionTranslator::flatten(const Expression& expression, Scope& scope, QStringList& operands)
-{
-    const auto* chain = std::get_if<Binary>(&expression.node);
-    if (chain != nullptr && chain->op == BinaryOperator::Concatenate) {
-        flatten(*chain->left, scope, operands);
-        operands.append(argument(value(*chain->right, scope)));
-    } else {
-        operands.append(argument(value(expression, scope)));
-    }
-}
-
-void ExpressionTranslator::requireComparable(ExpressionType left, ExpressionType right)
-{
-    if (!areComparable(left, right)) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::CriteriaTypeMismatch)
-            .withHint(QStringLiteral("A text is compared with a number or a date."));
-    }
-}
-
-TypedSql ExpressionTranslator::comparison(const QString& symbol, const TypedSql& left, const TypedSql& right)
-{
-    requireComparable(left.type, right.type);
-    const bool texts = (left.type.isText() || !left.type.isKnown()) && (right.type.isText() || !right.type.isKnown());
-    const QString leftSql = texts ? collated(left) : wrapped(left, Rank::Sum);
-    return truth(leftSql + u' ' + symbol + u' ' + wrapped(right, Rank::Sum), Rank::Comparison);
-}
-
-TypedSql ExpressionTranslator::logical(const Binary& binary, Scope& scope)
-{
-    using enum BinaryOperator;
-    const TypedSql left = condition(*binary.left, scope);
-    const TypedSql right = condition(*binary.right, scope);
-    const QString notLeft = QStringLiteral("(NOT %1)").arg(wrapped(left, Rank::Comparison));
-    const QString notRight = QStringLiteral("(NOT %1)").arg(wrapped(right, Rank::Comparison));
-    switch (binary.op) {
-    case And:
-        return truth(wrapped(left, Rank::And) + QStringLiteral(" AND ") + wrapped(right, Rank::Not), Rank::And);
-    case Or:
-        return truth(wrapped(left, Rank::Or) + QStringLiteral(" OR ") + wrapped(right, Rank::And), Rank::Or);
-    case Xor:
-        return truth(notLeft + QStringLiteral(" <> ") + notRight, Rank::Comparison);
-    case Eqv:
-        return truth(notLeft + QStringLiteral(" = ") + notRight, Rank::Comparison);
-    default:
-        return truth(notLeft + QStringLiteral(" OR ") + wrapped(right, Rank::And), Rank::Or);
-    }
-}
+// --- Tests -------------------------------------------------------------------------------------------------------
 
 TypedSql ExpressionTranslator::between(const Between& between, Scope& scope)
 {
@@ -482,8 +252,7 @@ TypedSql ExpressionTranslator::inQuery(const InQuery& in, Scope& scope)
 TypedSql ExpressionTranslator::scalarQuery(const ScalarQuery& scalar, Scope& scope)
 {
     const Relation relation = subquery(*scalar.query, scope);
-    return computed(QStringLiteral("(SELECT agg_single(c0) FROM (%1))").arg(relation.sql),
-                    relation.columns.front().type);
+    return {QStringLiteral("(SELECT agg_single(c0) FROM (%1))").arg(relation.sql), relation.columns.front().type};
 }
 
 } // namespace data

@@ -68,7 +68,4 @@ private:
     TranslationState& state_;
 };
 
-/// Whether an aggregate function stands in the expression (not counting subqueries).
-[[nodiscard]] bool containsAggregate(const Expression& expression);
-
 } // namespace data

@@ -68,10 +68,8 @@ TypedSql ExpressionTranslator::ordinaryCall(const Function& function, const Func
         result.type = function.resultType(types);
         return result;
     }
-    TypedSql result;
-    result.sql = QStringLiteral("fn_%1(%2)").arg(function.name, arguments.join(QStringLiteral(", ")));
-    result.type = function.resultType(types);
-    return result;
+    return {QStringLiteral("fn_%1(%2)").arg(function.name, arguments.join(QStringLiteral(", "))),
+            function.resultType(types)};
 }
 
 TypedSql ExpressionTranslator::aggregate(const FunctionCall& call, const Expression& expression, Scope& scope)
@@ -81,14 +79,11 @@ TypedSql ExpressionTranslator::aggregate(const FunctionCall& call, const Express
     }
     const Aggregate& function = *aggregateNamed(call.name);
     const PerRow perRow(scope);
-    TypedSql result;
     if (call.star) {
         if (function.result != Aggregate::Result::Count) {
             throw syntaxError(*state_.sql, expression.place.begin);
         }
-        result.sql = QStringLiteral("count(*)");
-        result.type = function.resultType({});
-        return result;
+        return {QStringLiteral("count(*)"), function.resultType({})};
     }
     if (call.arguments.size() != 1) {
         throw wrongArguments(expression);
@@ -97,9 +92,8 @@ TypedSql ExpressionTranslator::aggregate(const FunctionCall& call, const Express
     if (function.needsNumber && part.type.isText()) {
         throw runtime::RunTimeError(runtime::ErrorNumber::CriteriaTypeMismatch);
     }
-    result.sql = QStringLiteral("%1(%2)").arg(function.sqlName, part.type.isText() ? collated(part) : part.sql);
-    result.type = function.resultType(part.type);
-    return result;
+    return {QStringLiteral("%1(%2)").arg(function.sqlName, part.type.isText() ? collated(part) : part.sql),
+            function.resultType(part.type)};
 }
 
 /// Functions that evaluate only the arguments that they need, and those that ask the clock.

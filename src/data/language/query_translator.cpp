@@ -1,5 +1,6 @@
 #include "data/language/query_translator.h"
 
+#include "data/language/aggregates.h"
 #include "data/language/sql_error.h"
 
 #include <QLocale>
@@ -51,7 +52,7 @@ QString columnList(const Relation& relation, const QString& prefix)
 {
     QStringList list;
     for (std::size_t i = 0; i < relation.columns.size(); ++i) {
-        list.append(prefix + u'c' + QString::number(i));
+        list.append(prefix + columnAlias(i));
     }
     return list.join(QStringLiteral(", "));
 }
@@ -96,8 +97,7 @@ Relation QueryTranslator::query(const Query& query, Scope* outer)
 
 Relation QueryTranslator::subquery(const Query& query, Scope& scope)
 {
-    Relation relation = this->query(query, &scope);
-    return relation;
+    return this->query(query, &scope);
 }
 
 Relation QueryTranslator::select(const Select& select, const std::vector<OrderItem>& orderBy, Scope* outer)
@@ -178,11 +178,8 @@ void QueryTranslator::addAllColumns(const OutputItem& item, const Scope& scope, 
                                                                 return isSameName(candidate.name, column.name);
                                                             });
                 });
-            TypedSql sql;
-            sql.sql = column.sql;
-            sql.type = column.type;
-            sql.baseColumn = column.baseColumn;
-            outputs.push_back({repeated ? source.name + u'.' + column.name : column.name, sql});
+            outputs.push_back({repeated ? source.name + u'.' + column.name : column.name,
+                               {.sql = column.sql, .type = column.type, .baseColumn = column.baseColumn}});
         }
     }
     if (!found) {
@@ -297,7 +294,7 @@ Relation QueryTranslator::assembled(const Draft& draft, const Scope& scope) cons
     for (std::size_t i = 0; i < draft.outputs.size(); ++i) {
         const Output& output = draft.outputs[i];
         const bool collate = select.distinct && output.sql.type.isText();
-        list.append(QStringLiteral("%1 AS c%2").arg(collate ? collated(output.sql) : output.sql.sql).arg(i));
+        list.append((collate ? collated(output.sql) : output.sql.sql) + QStringLiteral(" AS ") + columnAlias(i));
         relation.columns.push_back({output.name, output.sql.type, output.sql.baseColumn});
     }
     std::size_t keys = 0;
@@ -307,12 +304,12 @@ Relation QueryTranslator::assembled(const Draft& draft, const Scope& scope) cons
         });
         OrderTerm outside = term;
         if (output != draft.outputs.end()) {
-            outside.sql = u'c' + QString::number(output - draft.outputs.begin());
+            outside.sql = columnAlias(static_cast<std::size_t>(output - draft.outputs.begin()));
         } else if (select.distinct) {
             throw runtime::RunTimeError(runtime::ErrorNumber::QuerySyntax,
                                         QStringLiteral("ORDER BY clause conflicts with DISTINCT."));
         } else {
-            outside.sql = u'k' + QString::number(keys++);
+            outside.sql = orderAlias(keys++);
             list.append(term.sql + QStringLiteral(" AS ") + outside.sql);
         }
         const bool isAddress =

@@ -22,6 +22,11 @@ private:
         QString name;
         TypedSql sql;
     };
+    /// A saved query as a common table expression.
+    struct CommonTable {
+        QString name; ///< in SQL
+        Relation relation;
+    };
     /// A select on its way: its parts in SQL before they are put together.
     struct Draft;
 
@@ -34,7 +39,7 @@ private:
     QString namedSource(const NamedSource& named, Scope& scope);
     Source tableSource(const SourceTable& table, const QString& alias) const;
     Source relationSource(const Relation& relation, const QString& alias) const;
-    QString savedQuery(const QString& name, const QString& text, Relation& relation);
+    CommonTable savedQuery(const QString& name, const QString& text);
     QString nextAlias();
 
     // One select
@@ -52,6 +57,9 @@ private:
 
     // Unions (union_translator.cpp)
     Relation unionOf(const Query& query, Scope* outer);
+    /// A part with the columns of the union and, behind them, the terms that keep its order.
+    [[nodiscard]] static QString unionPart(const Relation& part, const std::vector<RelationColumn>& columns,
+                                           const QStringList& order);
     Relation ordered(Relation relation, const std::vector<OrderItem>& orderBy);
 };
 

@@ -26,7 +26,7 @@ Relation QueryTranslator::named(const QString& name)
     Relation relation;
     QStringList list;
     for (const Source::Column& column : source.columns) {
-        list.append(QStringLiteral("%1 AS c%2").arg(column.sql).arg(list.size()));
+        list.append(column.sql + QStringLiteral(" AS ") + columnAlias(relation.columns.size()));
         relation.columns.push_back({column.name, column.type, column.baseColumn});
     }
     for (const OrderTerm& term : source.order) {
@@ -34,9 +34,9 @@ Relation QueryTranslator::named(const QString& name)
         const auto shown = std::find_if(source.columns.begin(), source.columns.end(),
                                         [&](const Source::Column& column) { return column.sql == term.sql; });
         if (shown != source.columns.end()) {
-            outside.sql = u'c' + QString::number(shown - source.columns.begin());
+            outside.sql = columnAlias(static_cast<std::size_t>(shown - source.columns.begin()));
         } else {
-            outside.sql = u'k' + QString::number(relation.order.size());
+            outside.sql = orderAlias(relation.order.size());
             list.append(term.sql + QStringLiteral(" AS ") + outside.sql);
         }
         if (source.rows && source.rows->address == term.sql) {
@@ -73,9 +73,10 @@ Relation QueryTranslator::rowsToDelete(const Delete& statement)
             .withHint(QStringLiteral("Records of '%1' cannot be deleted because it is no table.").arg(source->name));
     }
     Relation relation;
-    relation.rows = BaseRows{source->rows->table, QStringLiteral("k0")};
-    relation.order.push_back({QStringLiteral("k0")});
-    relation.sql = QStringLiteral("SELECT DISTINCT %1 AS k0 FROM %2").arg(source->rows->address, from);
+    const QString address = orderAlias(0);
+    relation.rows = BaseRows{source->rows->table, address};
+    relation.order.push_back({address});
+    relation.sql = QStringLiteral("SELECT DISTINCT %1 AS %2 FROM %3").arg(source->rows->address, address, from);
     if (statement.where != nullptr) {
         relation.sql += QStringLiteral(" WHERE ") + condition(*statement.where, scope).sql;
     }
@@ -138,9 +139,9 @@ QString QueryTranslator::namedSource(const NamedSource& named, Scope& scope)
         source = tableSource(*table, alias);
         sql = table->sqlName;
     } else if (const std::optional<QString> text = state().catalogue.query(named.name)) {
-        Relation relation;
-        sql = savedQuery(named.name, *text, relation);
-        source = relationSource(relation, alias);
+        const CommonTable common = savedQuery(named.name, *text);
+        source = relationSource(common.relation, alias);
+        sql = common.name;
     } else {
         throw unknownTableOrQuery(named.name);
     }
@@ -155,7 +156,7 @@ Source QueryTranslator::tableSource(const SourceTable& table, const QString& ali
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         const Field& field = table.columns[i];
         source.columns.push_back(
-            {field.name, {field.type, field.size}, QStringLiteral("%1.c%2").arg(alias).arg(i), static_cast<int>(i)});
+            {field.name, {field.type, field.size}, alias + u'.' + columnAlias(i), static_cast<int>(i)});
     }
     const QString address = alias + QStringLiteral(".row");
     source.order.push_back({address});
@@ -168,8 +169,7 @@ Source QueryTranslator::relationSource(const Relation& relation, const QString& 
     Source source;
     for (std::size_t i = 0; i < relation.columns.size(); ++i) {
         const RelationColumn& column = relation.columns[i];
-        source.columns.push_back(
-            {column.name, column.type, QStringLiteral("%1.c%2").arg(alias).arg(i), column.baseColumn});
+        source.columns.push_back({column.name, column.type, alias + u'.' + columnAlias(i), column.baseColumn});
     }
     for (OrderTerm term : relation.order) {
         term.sql = alias + u'.' + term.sql;
@@ -181,8 +181,7 @@ Source QueryTranslator::relationSource(const Relation& relation, const QString& 
     return source;
 }
 
-/// The query as a common table expression; returns its name.
-QString QueryTranslator::savedQuery(const QString& name, const QString& text, Relation& relation)
+QueryTranslator::CommonTable QueryTranslator::savedQuery(const QString& name, const QString& text)
 {
     if (state().openQueries.contains(name, Qt::CaseInsensitive)) {
         throw runtime::RunTimeError(runtime::ErrorNumber::CircularReference,
@@ -200,12 +199,12 @@ QString QueryTranslator::savedQuery(const QString& name, const QString& text, Re
         throw runtime::RunTimeError(runtime::ErrorNumber::InvalidOperation)
             .withHint(QStringLiteral("The saved query '%1' does not select records.").arg(name));
     }
-    relation = this->query(*query, nullptr);
+    Relation relation = this->query(*query, nullptr);
     state().openQueries.removeLast();
     state().sql = outerText;
     const QString sqlName = u'v' + QString::number(state().commonTables.size() + 1);
     state().commonTables.append(sqlName + QStringLiteral(" AS (") + relation.sql + u')');
-    return sqlName;
+    return {sqlName, std::move(relation)};
 }
 
 } // namespace data

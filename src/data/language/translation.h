@@ -32,6 +32,22 @@ struct TypedSql {
     int baseColumn = -1;                     ///< the column of its source's table that it is, if it is one
 };
 
+/// An expression that yields SQLite's truth.
+[[nodiscard]] inline TypedSql truth(QString sql, Rank rank)
+{
+    return {.sql = std::move(sql), .type = typeOf(FieldType::Boolean), .rank = rank, .isCondition = true};
+}
+
+/// The names under which a relation yields its columns and the terms of its order that it does not show.
+[[nodiscard]] inline QString columnAlias(std::size_t position)
+{
+    return u'c' + QString::number(position);
+}
+[[nodiscard]] inline QString orderAlias(std::size_t position)
+{
+    return u'k' + QString::number(position);
+}
+
 struct OrderTerm {
     QString sql;
     bool descending = false;
@@ -41,7 +57,7 @@ struct OrderTerm {
 /// The rows of one table behind a relation: where each row's address is found.
 struct BaseRows {
     const SourceTable* table = nullptr;
-    QString address;
+    QString address; ///< SQL
 };
 
 struct RelationColumn {
@@ -50,7 +66,8 @@ struct RelationColumn {
     int baseColumn = -1; ///< position in BaseRows::table
 };
 
-/// A SELECT without ORDER BY that yields c0, c1 ... and k0, k1 ..., and the order in which its rows count.
+/// A SELECT without ORDER BY that yields c0, c1 ... and k0, k1 ... (columnAlias, orderAlias), and the order in which
+/// its rows count.
 struct Relation {
     QString sql;
     std::vector<RelationColumn> columns;

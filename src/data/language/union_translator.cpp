@@ -26,6 +26,37 @@ QStringList orderOf(const Relation& part)
     return terms;
 }
 
+/// Part by part, each in its own order; the terms of a part with fewer of them are filled up.
+std::vector<QStringList> ordersOf(const std::vector<Relation>& parts)
+{
+    std::vector<QStringList> orders;
+    qsizetype most = 0;
+    for (const Relation& part : parts) {
+        orders.push_back(QStringList{QString::number(orders.size())} + orderOf(part));
+        most = std::max(most, orders.back().size());
+    }
+    for (QStringList& terms : orders) {
+        while (terms.size() < most) {
+            terms.append(QStringLiteral("NULL"));
+        }
+    }
+    return orders;
+}
+
+/// Named as in the first part, of a type that holds the values of all parts.
+std::vector<RelationColumn> columnsOf(const std::vector<Relation>& parts)
+{
+    std::vector<RelationColumn> columns;
+    for (std::size_t i = 0; i < parts.front().columns.size(); ++i) {
+        ExpressionType type;
+        for (const Relation& part : parts) {
+            type = commonType(type, part.columns[i].type);
+        }
+        columns.push_back({parts.front().columns[i].name, type});
+    }
+    return columns;
+}
+
 } // namespace
 
 Relation QueryTranslator::unionOf(const Query& query, Scope* outer)
@@ -41,55 +72,43 @@ Relation QueryTranslator::unionOf(const Query& query, Scope* outer)
         }
     }
     Relation result;
-    for (std::size_t i = 0; i < parts.front().columns.size(); ++i) {
-        ExpressionType type;
-        for (const Relation& part : parts) {
-            type = commonType(type, part.columns[i].type);
-        }
-        result.columns.push_back({parts.front().columns[i].name, type});
-    }
-
+    result.columns = columnsOf(parts);
     const bool keepsAll =
         std::all_of(query.parts.begin() + 1, query.parts.end(), [](const Query::Part& part) { return part.all; });
-    qsizetype mostTerms = 0;
-    for (const Relation& part : parts) {
-        mostTerms = std::max(mostTerms, orderOf(part).size());
+    const std::vector<QStringList> orders = keepsAll ? ordersOf(parts) : std::vector<QStringList>(parts.size());
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (i > 0) {
+            result.sql += query.parts[i].all ? QStringLiteral(" UNION ALL ") : QStringLiteral(" UNION ");
+        }
+        result.sql += unionPart(parts[i], result.columns, orders[i]);
     }
-    for (std::size_t number = 0; number < parts.size(); ++number) {
-        const Relation& part = parts[number];
-        QStringList list;
-        for (std::size_t i = 0; i < part.columns.size(); ++i) {
-            TypedSql column;
-            column.sql = u'c' + QString::number(i);
-            column.type = part.columns[i].type;
-            column.sql = asType(column, result.columns[i].type);
-            list.append((result.columns[i].type.isText() ? collated(column) : column.sql) +
-                        QStringLiteral(" AS c%1").arg(i));
-        }
-        if (keepsAll) {
-            // Part by part, each in its own order.
-            QStringList terms = orderOf(part);
-            terms.prepend(QString::number(number));
-            for (qsizetype k = 0; k <= mostTerms; ++k) {
-                list.append(QStringLiteral("%1 AS k%2").arg(terms.value(k, QStringLiteral("NULL"))).arg(k));
-            }
-        }
-        if (number > 0) {
-            result.sql += query.parts[number].all ? QStringLiteral(" UNION ALL ") : QStringLiteral(" UNION ");
-        }
-        result.sql += QStringLiteral("SELECT %1 FROM (%2)").arg(list.join(QStringLiteral(", ")), part.sql);
-    }
-
     if (keepsAll) {
-        for (qsizetype k = 0; k <= mostTerms; ++k) {
-            result.order.push_back({u'k' + QString::number(k)});
+        for (std::size_t i = 0; i < static_cast<std::size_t>(orders.front().size()); ++i) {
+            result.order.push_back({orderAlias(i)});
         }
-    } else {
+    } else { // equal rows have become one: no part has an order any more
         for (std::size_t i = 0; i < result.columns.size(); ++i) {
-            result.order.push_back({u'c' + QString::number(i), false, result.columns[i].type.isText()});
+            result.order.push_back({columnAlias(i), false, result.columns[i].type.isText()});
         }
     }
     return query.orderBy.empty() ? result : ordered(std::move(result), query.orderBy);
+}
+
+QString QueryTranslator::unionPart(const Relation& part, const std::vector<RelationColumn>& columns,
+                                   const QStringList& order)
+{
+    QStringList list;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        TypedSql column{columnAlias(i), part.columns[i].type};
+        column.sql = asType(column, columns[i].type);
+        list.append((columns[i].type.isText() ? collated(column) : column.sql) + QStringLiteral(" AS ") +
+                    columnAlias(i));
+    }
+    std::size_t terms = 0;
+    for (const QString& term : order) {
+        list.append(term + QStringLiteral(" AS ") + orderAlias(terms++));
+    }
+    return QStringLiteral("SELECT %1 FROM (%2)").arg(list.join(QStringLiteral(", ")), part.sql);
 }
 
 /// ORDER BY behind a union names columns of its first part.
@@ -102,17 +121,15 @@ Relation QueryTranslator::ordered(Relation relation, const std::vector<OrderItem
     Relation result;
     QStringList list;
     for (std::size_t i = 0; i < relation.columns.size(); ++i) {
-        TypedSql sql;
-        sql.sql = scope.sources.front().columns[i].sql;
-        sql.type = relation.columns[i].type;
+        const TypedSql sql{scope.sources.front().columns[i].sql, relation.columns[i].type};
         outputs.push_back({relation.columns[i].name, sql});
-        list.append(sql.sql + QStringLiteral(" AS c%1").arg(i));
+        list.append(sql.sql + QStringLiteral(" AS ") + columnAlias(i));
     }
     result.columns = relation.columns;
     std::vector<OrderTerm> terms = explicitOrder(orderBy, outputs, scope);
     terms.insert(terms.end(), scope.sources.front().order.begin(), scope.sources.front().order.end());
     for (OrderTerm& term : terms) {
-        const QString name = u'k' + QString::number(result.order.size());
+        const QString name = orderAlias(result.order.size());
         list.append(term.sql + QStringLiteral(" AS ") + name);
         term.sql = name;
         result.order.push_back(term);
