@@ -18,7 +18,7 @@ std::u16string_view viewOf(QStringView text)
 void RowSorter::add(const ResultRow& row)
 {
     for (const RowOrder& term : order_) {
-        if (const std::optional<double> number = row.quantity(term.column)) {
+        if (const std::optional<double> number = row.numberForSql(term.column)) {
             addKey(Kind::Number, *number);
         } else {
             addOther(row.value(term.column));

@@ -114,7 +114,7 @@ SqlConnection& Session::connection()
 std::vector<qint64> Session::addresses(const SqlText& text)
 {
     std::vector<qint64> result;
-    connection().run(text, [&](const ResultRow& row) { result.push_back(row.number(0)); });
+    connection().run(text, [&](const ResultRow& row) { result.push_back(row.wholeNumber(0)); });
     return result;
 }
 

@@ -57,12 +57,12 @@ runtime::Value ResultRow::value(int column) const
     return valueOf(sqlite3_column_value(statement_, column));
 }
 
-qint64 ResultRow::number(int column) const
+qint64 ResultRow::wholeNumber(int column) const
 {
     return sqlite3_column_int64(statement_, column);
 }
 
-std::optional<double> ResultRow::quantity(int column) const
+std::optional<double> ResultRow::numberForSql(int column) const
 {
     const int type = sqlite3_column_type(statement_, column);
     const bool isNumber = type == SQLITE_INTEGER || type == SQLITE_FLOAT;

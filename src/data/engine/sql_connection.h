@@ -17,9 +17,10 @@ class ResultRow
 public:
     explicit ResultRow(sqlite3_stmt* statement) : statement_(statement) {}
     [[nodiscard]] runtime::Value value(int column) const;
-    [[nodiscard]] qint64 number(int column) const;
+    /// Of a column that holds nothing else: a row's address.
+    [[nodiscard]] qint64 wholeNumber(int column) const;
     /// The number as SQL computes with it (a date's days, -1 for true); none where the value is none.
-    [[nodiscard]] std::optional<double> quantity(int column) const;
+    [[nodiscard]] std::optional<double> numberForSql(int column) const;
     /// Appends the value, as one of the field's type where that is known, to rows that are kept.
     void copyTo(Snapshot& rows, int column, std::optional<FieldType> type) const;
 
