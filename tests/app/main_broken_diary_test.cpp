@@ -1,5 +1,6 @@
 // What the user sees when the diary's file is not what it should be, word for word, and that nobody touches it then.
 #include "app/main_window.h"
+#include "support/file_content.h"
 
 #include <QApplication>
 #include <QDir>
@@ -74,19 +75,6 @@ protected:
         report();
         EXPECT_THAT(lines(), ElementsAre("Mmol\tWhen\tType\tComment", "", "05.6\t02/03/2002 08:15:00\tMeal\t"));
     }
-
-    static QByteArray read(const QString& path)
-    {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
-    }
-    static void write(const QString& path, const QByteArray& content)
-    {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_EQ(file.write(content), content.size());
-    }
 };
 
 class DamagedDiary : public BrokenDiary, public testing::WithParamInterface<Damage>
@@ -95,15 +83,15 @@ class DamagedDiary : public BrokenDiary, public testing::WithParamInterface<Dama
 
 TEST_P(DamagedDiary, IsToldAndLeftAsItIs)
 {
-    const QByteArray sound = read(diary.path());
+    const QByteArray sound = contentOf(diary.path());
     const QByteArray damaged = GetParam().spoil(sound);
-    write(diary.path(), damaged);
+    writeFile(diary.path(), damaged);
     expectBox(GetParam().box);
     report();
     EXPECT_THAT(lines(), IsEmpty());
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-    EXPECT_EQ(read(diary.path()), damaged);
-    write(diary.path(), sound);
+    EXPECT_EQ(contentOf(diary.path()), damaged);
+    writeFile(diary.path(), sound);
     expectReportWorks();
 }
 
@@ -141,15 +129,15 @@ TEST_F(BrokenDiary, ALockThatIsNeverGivenBackIsToldAfterAShortWait)
 TEST_F(BrokenDiary, AJournalThatIsNoneIsToldAndBothFilesAreLeftAsTheyAre)
 {
     const QString journal = diary.path() + QStringLiteral("-journal");
-    const QByteArray before = read(diary.path());
+    const QByteArray before = contentOf(diary.path());
     const QByteArray rubbish = QByteArray("not a journal ").repeated(300);
-    write(journal, rubbish);
+    writeFile(journal, rubbish);
     expectBox("Run-time error '3343':\n\nUnrecognized database format '%1'.\n\nThe last change to %1 was interrupted, "
               "and its journal %1-journal cannot be used to take it back: it does not begin as a journal does; both "
               "files were left as they are.");
     report();
-    EXPECT_EQ(read(diary.path()), before);
-    EXPECT_EQ(read(journal), rubbish);
+    EXPECT_EQ(contentOf(diary.path()), before);
+    EXPECT_EQ(contentOf(journal), rubbish);
     ASSERT_TRUE(QFile::remove(journal));
     expectReportWorks();
 }

@@ -3,11 +3,11 @@
 #include "cli/quillonctl.h"
 #include "data/database.h"
 #include "runtime/run_time_error.h"
+#include "support/file_content.h"
 #include "support/test_diary.h"
 
 #include <QDate>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -18,20 +18,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::StartsWith;
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
-
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    EXPECT_EQ(file.write(content), content.size());
-}
 
 class Backup : public testing::Test
 {

@@ -1,4 +1,5 @@
 #include "cli/quillonctl.h"
+#include "support/file_content.h"
 
 #include <QDate>
 #include <QDir>
@@ -32,19 +33,6 @@ protected:
         return linesOf(outcome.out);
     }
 
-    static void write(const QString& file, const QByteArray& bytes)
-    {
-        QFile out(file);
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-        ASSERT_EQ(out.write(bytes), bytes.size());
-    }
-
-    static QByteArray read(const QString& file)
-    {
-        QFile in(file);
-        return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
-    }
-
     QStringList files() const { return QDir(folder_.path()).entryList(QDir::Files); }
 
     QTemporaryDir folder_;
@@ -71,9 +59,9 @@ TEST_F(Create, MakesADiaryWithoutFoods)
 
 TEST_F(Create, FillsInAnotherFoodTable)
 {
-    write(path("foods.csv"), "NDB_No,Shrt_Desc,Energ_Kcal,Carbohydrt,Tot_Lipid,Protein,Cholestrl,GmWt_1,GmWt_Desc1,"
-                             "GmWt_2,GmWt_Desc2,Refuse_Pct\n"
-                             "7,\"PORRIDGE, OATS\",71,12,1.5,2.5,0,234,1 cup,,,0\n");
+    writeFile(path("foods.csv"), "NDB_No,Shrt_Desc,Energ_Kcal,Carbohydrt,Tot_Lipid,Protein,Cholestrl,GmWt_1,GmWt_Desc1,"
+                                 "GmWt_2,GmWt_Desc2,Refuse_Pct\n"
+                                 "7,\"PORRIDGE, OATS\",71,12,1.5,2.5,0,234,1 cup,,,0\n");
     const QString file = path("Nutrition.mdb");
     const Outcome outcome = create(file, {QStringLiteral("--foods"), path("foods.csv")});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -86,12 +74,12 @@ TEST_F(Create, FillsInAnotherFoodTable)
 TEST_F(Create, RefusesToOverwrite)
 {
     const QString file = path("Nutrition.mdb");
-    write(file, "not to be lost");
+    writeFile(file, "not to be lost");
     const Outcome outcome = create(file, {QStringLiteral("--no-foods")});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_THAT(outcome.err, StartsWith("quillonctl: Run-time error '58': "));
-    EXPECT_EQ(read(file), "not to be lost");
+    EXPECT_EQ(contentOf(file), "not to be lost");
 }
 
 TEST_F(Create, LeavesNothingBehindWhenTheFoodTableIsMissing)
@@ -104,7 +92,7 @@ TEST_F(Create, LeavesNothingBehindWhenTheFoodTableIsMissing)
 
 TEST_F(Create, LeavesNothingBehindWhenTheFoodTableIsWrong)
 {
-    write(path("foods.csv"), "NDB_No,Shrt_Desc\n7\n");
+    writeFile(path("foods.csv"), "NDB_No,Shrt_Desc\n7\n");
     EXPECT_EQ(create(path("Nutrition.mdb"), {QStringLiteral("--foods"), path("foods.csv")}).status, 1);
     EXPECT_EQ(files(), QStringList(QStringLiteral("foods.csv")));
 }

@@ -1,6 +1,7 @@
 // import: the readings of a meter's file.
 
 #include "cli/quillonctl.h"
+#include "support/file_content.h"
 #include "support/test_diary.h"
 
 #include <QFile>
@@ -26,10 +27,7 @@ class Import : public testing::Test
 protected:
     Outcome import(const QByteArray& content, const QStringList& options = {}, const Circumstances& circumstances = {})
     {
-        QFile file(meterPath());
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        EXPECT_EQ(file.write(content), content.size());
-        file.close();
+        writeFile(meterPath(), content);
         return quillonctl(QStringList{QStringLiteral("import"), diary_.path(), meterPath()} + options, circumstances);
     }
 

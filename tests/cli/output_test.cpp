@@ -1,9 +1,8 @@
 // Output that cannot be written.
 
 #include "cli/quillonctl.h"
+#include "support/file_content.h"
 #include "support/test_diary.h"
-
-#include <QFile>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,12 +22,6 @@ protected:
     {
         return quillonctl({QStringLiteral("dump"), diary_.path(), QStringLiteral("BloodSugarReadingTypes")},
                           {QStringLiteral("C.UTF-8"), beforeStart});
-    }
-
-    QByteArray fileBytes() const
-    {
-        QFile file(diary_.path());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     TestDiary diary_;
@@ -68,7 +61,7 @@ TEST_F(UnwritableOutput, ClosedStreamsNeverLeadIntoTheDiary)
                                        "BloodSugarReadingTypes as e");
     const QStringList arguments{QStringLiteral("sql"), diary_.path(), sql};
     ASSERT_EQ(linesOf(quillonctl(arguments).out).size(), 1U + 32768U);
-    const QByteArray before = fileBytes();
+    const QByteArray before = contentOf(diary_.path());
     // The lowest free number is given to the next file that is opened, so each number has its turn.
     for (int closed = STDIN_FILENO; closed <= STDERR_FILENO; ++closed) {
         const Outcome outcome =
@@ -78,12 +71,12 @@ TEST_F(UnwritableOutput, ClosedStreamsNeverLeadIntoTheDiary)
                                        }
                                    }});
         EXPECT_EQ(outcome.status, closed <= STDOUT_FILENO ? 1 : 0);
-        EXPECT_TRUE(fileBytes() == before) << "streams closed from number " << closed << " on";
+        EXPECT_TRUE(contentOf(diary_.path()) == before) << "streams closed from number " << closed << " on";
     }
     const Outcome closedOutput = quillonctl(arguments, {QStringLiteral("C.UTF-8"), [] { ::close(STDOUT_FILENO); }});
     EXPECT_EQ(closedOutput.status, 1);
     EXPECT_THAT(closedOutput.err, StartsWith("quillonctl: Cannot write the output: "));
-    EXPECT_TRUE(fileBytes() == before);
+    EXPECT_TRUE(contentOf(diary_.path()) == before);
 }
 
 } // namespace

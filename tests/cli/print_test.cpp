@@ -1,5 +1,6 @@
 #include "cli/quillonctl.h"
 #include "printing/pdf_reading.h"
+#include "support/file_content.h"
 #include "support/test_diary.h"
 
 #include <QDir>
@@ -45,19 +46,6 @@ protected:
         diary_.addReading(QStringLiteral("05/03/2002 07:15"), 3.9, 1);
         diary_.addReading(QStringLiteral("06/03/2002 12:30"), 8, 2, QStringLiteral("soup"));
         diary_.addReading(QStringLiteral("07/03/2002 18:00"), 12.25, 2);
-    }
-
-    void writePdf(const QByteArray& content) const
-    {
-        QFile file(pdf_);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_EQ(file.write(content), content.size());
-    }
-
-    QByteArray contentOf(const QString& path) const
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
     /// The lines of a printed page, from 1, a blank between words.
@@ -205,7 +193,7 @@ TEST_F(PrintCommand, StatisticsAloneHaveNoPrintPositions)
 TEST_F(PrintCommand, AnOlderFileIsReplaced)
 {
     addThreeReadings();
-    writePdf("old");
+    writeFile(pdf_, "old");
     EXPECT_EQ(print("basic").status, 0);
     EXPECT_EQ(linesOfPage(1).back(), "Page - 1");
     EXPECT_THAT(files(), ElementsAre(QStringLiteral("week.pdf")));
@@ -214,7 +202,7 @@ TEST_F(PrintCommand, AnOlderFileIsReplaced)
 TEST_F(PrintCommand, AFileThatCannotBeMadeIsNamed)
 {
     addThreeReadings();
-    writePdf("no folder");
+    writeFile(pdf_, "no folder");
     for (const QString& path :
          {folder_.filePath(QStringLiteral("missing/week.pdf")), pdf_ + QStringLiteral("/w.pdf"), folder_.path()}) {
         const Outcome outcome = printTo(path, "basic");
@@ -228,7 +216,7 @@ TEST_F(PrintCommand, AFileThatCannotBeMadeIsNamed)
 TEST_F(PrintCommand, OnAFullDiskAnOlderFileStaysAndNoHalfOneAppears)
 {
     addThreeReadings();
-    writePdf("old");
+    writeFile(pdf_, "old");
     const Outcome outcome = print("basic", "", {QStringLiteral("C.UTF-8"), [] {
                                                     std::signal(SIGXFSZ, SIG_IGN);
                                                     const rlimit limit{1000, 1000};

@@ -1,6 +1,7 @@
 #include "controls/bound_record.h"
 
 #include "runtime/conversions.h"
+#include "support/file_content.h"
 #include "support/run_time_errors.h"
 #include "support/test_diary.h"
 
@@ -16,13 +17,6 @@ using runtime::RunTimeError;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Move = BoundRecord::Move;
-
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readAll();
-}
 
 /// Three readings: 5.1, 5.2 and 5.3 at 08:00, 09:00 and 10:00 of 5 March 2002, their types 1, 2 and 3.
 class BoundRecordTest : public testing::Test
@@ -217,7 +211,7 @@ TEST_F(BoundRecordTest, AnEmptiedTextBecomesNull)
 
 TEST_F(BoundRecordTest, MovingWithNothingChangedNeverWrites)
 {
-    const QByteArray before = bytesOf(diary.path());
+    const QByteArray before = contentOf(diary.path());
     record().edit(mmol, "6.5");
     record().edit(mmol, "5.1"); // typed back
     EXPECT_FALSE(record().isEdited());
@@ -225,7 +219,7 @@ TEST_F(BoundRecordTest, MovingWithNothingChangedNeverWrites)
         move(where);
     }
     store();
-    EXPECT_EQ(bytesOf(diary.path()), before);
+    EXPECT_EQ(contentOf(diary.path()), before);
 }
 
 TEST_F(BoundRecordTest, CancelTakesTheEditsOfTheRecordBack)
@@ -450,7 +444,7 @@ TEST_F(BoundRecordTest, ATimeThatIsNoneIsMarkedAndLeftAsItIs)
     // Days of the year 12000, where another program's fault has put them.
     const double day = runtime::toDate(QString("05/03/2002 09:00")).days;
     const double faulty = 3700000.5;
-    QByteArray bytes = bytesOf(diary.path());
+    QByteArray bytes = contentOf(diary.path());
     const QByteArray sound(reinterpret_cast<const char*>(&day), sizeof day);
     ASSERT_GE(bytes.count(sound), 1);
     bytes.replace(sound, QByteArray(reinterpret_cast<const char*>(&faulty), sizeof faulty));
@@ -462,7 +456,7 @@ TEST_F(BoundRecordTest, ATimeThatIsNoneIsMarkedAndLeftAsItIs)
     move(Move::Next);
     EXPECT_EQ(texts(), "5.2 | 2 | #Error | ");
     move(Move::Next);
-    EXPECT_EQ(bytesOf(diary.path()), bytes);
+    EXPECT_EQ(contentOf(diary.path()), bytes);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "jet/disk/error.h"
 #include "jet/disk/file.h"
 #include "runtime/run_time_error.h"
+#include "support/file_content.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -508,10 +509,7 @@ TEST_F(OpeningTheFile, ThatIsNotThereSaysWhichFile)
 TEST_F(OpeningTheFile, ThatIsNoDatabaseIsAnUnrecognisedFormat)
 {
     const QString other = path() + SQL(".txt");
-    QFile file(other);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray(8192, 'x'));
-    file.close();
+    writeFile(other, QByteArray(8192, 'x'));
     EXPECT_EQ(errorFor(other).number(), 3343);
     EXPECT_FALSE(errorFor(other).hint().isEmpty());
 }

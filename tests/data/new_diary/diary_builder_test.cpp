@@ -3,9 +3,9 @@
 #include "data/database.h"
 #include "data/new_diary/foods_csv.h"
 #include "runtime/run_time_error.h"
+#include "support/file_content.h"
 
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -54,15 +54,14 @@ protected:
     /// A food table of five, as the whole one takes its time.
     [[nodiscard]] QString fewFoods() const
     {
-        QFile file(folder().filePath(QStringLiteral("few.csv")));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("NDB_No,Shrt_Desc,Energ_Kcal,Protein,Tot_Lipid,Carbohydrt,Cholestrl\n"
-                   "9040,\"BANANAS,RAW\",89,1.09,0.33,22.84,0\n"
-                   "1009,\"CHEESE,CHEDDAR\",404,22.87,33.31,3.09,99\n"
-                   "1001,\"BUTTER,WITH SALT\",717,0.85,81.11,0.06,215\n"
-                   "9003,\"APPLES,RAW,WITH SKIN\",52,0.26,0.17,13.81,0\n"
-                   "8020,CORN FLAKES,357,7.50,0.40,84.10,0\n");
-        return file.fileName();
+        const QString path = folder().filePath(QStringLiteral("few.csv"));
+        writeFile(path, "NDB_No,Shrt_Desc,Energ_Kcal,Protein,Tot_Lipid,Carbohydrt,Cholestrl\n"
+                        "9040,\"BANANAS,RAW\",89,1.09,0.33,22.84,0\n"
+                        "1009,\"CHEESE,CHEDDAR\",404,22.87,33.31,3.09,99\n"
+                        "1001,\"BUTTER,WITH SALT\",717,0.85,81.11,0.06,215\n"
+                        "9003,\"APPLES,RAW,WITH SKIN\",52,0.26,0.17,13.81,0\n"
+                        "8020,CORN FLAKES,357,7.50,0.40,84.10,0\n");
+        return path;
     }
 
 private:
@@ -264,27 +263,21 @@ TEST_F(DiaryBuilder, ExistingMealsNamesTheMealsTypes)
 
 TEST_F(DiaryBuilder, RefusesToOverwriteAnything)
 {
-    QFile file(path());
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("precious");
-    file.close();
+    writeFile(path(), "precious");
     try {
         create({}, 0);
         FAIL() << "no error";
     } catch (const runtime::RunTimeError& error) {
         EXPECT_EQ(error.number(), 58);
     }
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), "precious");
+    EXPECT_EQ(contentOf(path()), "precious");
 }
 
 TEST_F(DiaryBuilder, AFaultyFoodTableLeavesNoFileBehind)
 {
-    QFile foods(folder().filePath(QStringLiteral("foods.csv")));
-    ASSERT_TRUE(foods.open(QIODevice::WriteOnly));
-    foods.write("NDB_No,Shrt_Desc,Energ_Kcal,Protein,Tot_Lipid,Carbohydrt,Cholestrl\n1,A,1,2,3,4,many\n");
-    foods.close();
-    EXPECT_THROW(create(foods.fileName(), 0), runtime::RunTimeError);
+    const QString foods = folder().filePath(QStringLiteral("foods.csv"));
+    writeFile(foods, "NDB_No,Shrt_Desc,Energ_Kcal,Protein,Tot_Lipid,Carbohydrt,Cholestrl\n1,A,1,2,3,4,many\n");
+    EXPECT_THROW(create(foods, 0), runtime::RunTimeError);
     EXPECT_EQ(folder().entryList(QDir::Files), QStringList("foods.csv"));
 }
 

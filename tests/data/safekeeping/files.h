@@ -2,31 +2,15 @@
 #pragma once
 
 #include "data/database.h"
+#include "support/file_content.h"
 
-#include <QByteArray>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QString>
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
-
-inline QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
-
-inline void writeFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    EXPECT_EQ(file.write(content), content.size());
-}
 
 /// The names in a folder, sorted; nothing for a folder that is not there.
 inline std::vector<std::string> namesIn(const QString& folder)
