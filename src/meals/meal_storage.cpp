@@ -108,21 +108,19 @@ std::optional<Refusal> refusalOf(const MealEntry& entry, const MealSheet& sheet)
 
 qint32 saveMeal(const QString& diaryPath, const MealEntry& entry, const MealSheet& sheet)
 {
-    QString outcome = QStringLiteral("Nothing was stored.");
     try {
         data::Database database(diaryPath);
+        data::Database::Batch batch(database);
         data::Recordset meal = newMeal(database, entry);
         const std::vector<Portion> portions = portionsOf(sheet);
 
         if (entry.replaces != 0) {
             const QString number = QString::number(entry.replaces);
             database.execute(QStringLiteral("Delete * from Meals where MealNo = ") + number);
-            outcome = QStringLiteral("The old meal was deleted, and the new one was not stored.");
             database.execute(QStringLiteral("Delete * from MealContent where MealID =") + number);
         }
 
         meal.update();
-        outcome = QStringLiteral("The meal was stored, but not all of its foods.");
         meal.moveFirst();
         const qint32 mealNumber = runtime::toLong(meal.value(QStringLiteral("MealNo")));
 
@@ -131,9 +129,10 @@ qint32 saveMeal(const QString& diaryPath, const MealEntry& entry, const MealShee
         for (const Portion& portion : portions) {
             addPortion(content, mealNumber, portion);
         }
+        batch.commit();
         return mealNumber;
     } catch (const RunTimeError& error) {
-        throw error.withAddedHint(outcome);
+        throw error.withAddedHint(QStringLiteral("Nothing was stored."));
     }
 }
 

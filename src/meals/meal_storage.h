@@ -28,9 +28,9 @@ enum class Refusal { NoType, DoseNotANumber, ZeroDose, NoFood };
 [[nodiscard]] std::optional<Refusal> refusalOf(const MealEntry& entry, const MealSheet& sheet);
 
 /// Deletes the meal that is replaced, then its foods, then adds the meal and a record for each food line that is not
-/// 0 g. Each delete and each record is durable and atomic by itself, in this order; an error keeps what was done
-/// before, and its hint says what that is. Returns the new `MealNo`. The texts come first: 13 where one is no date or
-/// number, 6 for a dose beyond 16 bits, and nothing is deleted then. A dose is rounded half to even.
+/// 0 g. All of that is one change, durable on return: an error leaves the diary as it was, with the meal that was to be
+/// replaced. Returns the new `MealNo`. Errors are 13 where a text is no date or number, 6 for a dose beyond 16 bits,
+/// and those of the diary. A dose is rounded half to even.
 qint32 saveMeal(const QString& diaryPath, const MealEntry& entry, const MealSheet& sheet);
 
 struct StoredMeal {
