@@ -1,0 +1,23 @@
+# Headers that many sources include, parsed once for all of them. Only where QUILLON_PRECOMPILE says so: elsewhere every
+# source still has to include what it needs. A compiler cache does not look into precompiled headers, and saves more.
+#
+#   quillon_precompiled_headers(NAME name LINKS targets... HEADERS ...)
+#   quillon_precompile(target name): the target's sources start with the headers of that name.
+#
+# A target that takes the headers must be compiled like the one that holds them: the same warnings, Qt or no Qt.
+function(quillon_precompiled_headers)
+  cmake_parse_arguments(PARSE_ARGV 0 headers "" "NAME" "LINKS;HEADERS")
+  if(QUILLON_PRECOMPILE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${headers_NAME}.cpp)
+    file(CONFIGURE OUTPUT ${source} CONTENT "")
+    add_library(${headers_NAME} OBJECT ${source})
+    target_link_libraries(${headers_NAME} PRIVATE quillon_options ${headers_LINKS})
+    target_precompile_headers(${headers_NAME} PRIVATE ${headers_HEADERS})
+  endif()
+endfunction()
+
+function(quillon_precompile target name)
+  if(TARGET ${name})
+    target_precompile_headers(${target} REUSE_FROM ${name})
+  endif()
+endfunction()
