@@ -9,7 +9,8 @@ namespace data {
 
 /// As long as it lives, the call gets the diary's path before each change that this process makes through Database and
 /// Recordset: before its transaction begins, and before a batch once. It may open the diary and must not throw: nothing
-/// keeps an entry from being stored. While another one lives, that one is called instead.
+/// keeps an entry from being stored. While another one lives, that one is called instead. It is one for the process and
+/// has no lock: for programs that change diaries in one thread.
 class BeforeChange
 {
 public:

@@ -11,7 +11,7 @@
 
 namespace data {
 
-/// Open, work, close within one action. All errors are runtime::RunTimeError.
+/// Open, work, close within one action, in one thread, its recordsets included. All errors are runtime::RunTimeError.
 class Database
 {
 public:

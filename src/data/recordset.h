@@ -37,6 +37,7 @@ public:
     [[nodiscard]] const Field& field(const QString& name) const; ///< without regard to case
     /// For value() of many records: a name is looked for anew at each.
     [[nodiscard]] int positionOf(const QString& name) const;
+    /// Of the current record; between addNew or edit and update, what is set already counts (null in a new record).
     [[nodiscard]] runtime::Value value(int position) const;
     [[nodiscard]] runtime::Value value(const QString& name) const;
 
