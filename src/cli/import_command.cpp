@@ -2,6 +2,7 @@
 #include "readings/meter_import.h"
 #include "runtime/conversions.h"
 
+#include <cmath>
 #include <optional>
 
 namespace cli {
@@ -20,7 +21,8 @@ std::optional<QString> cutOffFor(const Call& call)
         return std::nullopt;
     }
     const QString typed = call.options.value(kAfter);
-    if (!runtime::isDate(typed)) {
+    // A time alone would be one of day 0, in 1899.
+    if (!runtime::isDate(typed) || std::trunc(runtime::toDate(typed).days) == 0) {
         throw UsageError(QStringLiteral("'%1' is no date and time; write it as dd/mm/yyyy hh:mm.").arg(typed));
     }
     return typed;

@@ -95,7 +95,7 @@ TEST_F(Import, IntoAnEmptyDiaryNeedsAMoment)
 
 TEST_F(Import, RefusesAMomentThatIsNone)
 {
-    for (const char* date : {"", "31/02/2002", "yesterday"}) {
+    for (const char* date : {"", "31/02/2002", "yesterday", "08:00"}) {
         const Outcome outcome = import(" 05/03/2002, 08:15, 5.6\n", after(date));
         EXPECT_EQ(outcome.status, 2);
         EXPECT_THAT(outcome.err, HasSubstr("'" + std::string(date) + "' is no date and time"));

@@ -200,7 +200,7 @@ NewDiaryContent createDiary(const NewDiary& diary, const runtime::Clock& clock)
     const FoodTable foods = foodsFor(diary);
     return translating(diary.path, [&] {
         // Made beside its place and moved there when it is whole; QFile::rename never replaces a file.
-        const Draft draft(diary.path + QStringLiteral(".new"));
+        const Draft draft(diary.path + QStringLiteral("-unfinished"));
         QFile::remove(draft.path());
         const NewDiaryContent content = fill(draft.path().toStdString(), foods, diary, clock.now());
         if (!QFile::rename(draft.path(), diary.path)) {

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QStorageInfo>
 
 #include <algorithm>
 
@@ -16,6 +17,16 @@ namespace {
 
 using runtime::ErrorNumber;
 using runtime::RunTimeError;
+
+/// A copy that took the last room would keep the change from being stored that it is made for: as much again has to
+/// stay free.
+void requireRoomFor(const QString& diary, const QString& folder)
+{
+    const QStorageInfo disk(folder);
+    if (disk.isValid() && disk.bytesAvailable() < 2 * QFileInfo(diary).size()) {
+        throw RunTimeError(ErrorNumber::DiskFull);
+    }
+}
 
 /// Why there is no copy, in words for a box.
 QString failureWords(const QString& diary, const RunTimeError& error)
@@ -116,6 +127,7 @@ void DatedCopies::makeCopy(const QString& diary, runtime::Date day)
         return;
     }
     copies.make();
+    requireRoomFor(diary, QFileInfo(path).absolutePath());
     const QStringList damage = translating(diary, [&] {
         const std::unique_ptr<jet::Database> file = openDiary(diary);
         const ReadScope reading(*file);

@@ -56,14 +56,36 @@ QString nameForDamaged(const QString& diary, const runtime::Clock& clock)
                     file.completeBaseName() + u' ' + isoDate(clock.today()) + QStringLiteral(" damaged"), suffix);
 }
 
+std::unique_ptr<jet::Database> openInTransaction(const QString& path)
+{
+    auto diary = jet::Database::open(jet::posixFileSystem(), path.toStdString(), jet::OpenMode::ReadWrite);
+    diary->begin();
+    return diary;
+}
+
+/// Another program may put a new file into the diary's place between its being opened and locked; that is over at once,
+/// and no damage.
+std::unique_ptr<jet::Database> openInTransactionPatiently(const QString& path)
+{
+    constexpr int kFurtherAttempts = 4;
+    for (int attempt = 0; attempt < kFurtherAttempts; ++attempt) {
+        try {
+            return openInTransaction(path);
+        } catch (const jet::Error& error) {
+            if (error.code() != jet::ErrorCode::Io) {
+                throw;
+            }
+        }
+    }
+    return openInTransaction(path);
+}
+
 /// The diary in a transaction, so that nobody changes it from now on; null when it cannot be opened or written to for
 /// what it holds.
 std::unique_ptr<jet::Database> holdDiary(const QString& path)
 {
     try {
-        auto diary = jet::Database::open(jet::posixFileSystem(), path.toStdString(), jet::OpenMode::ReadWrite);
-        diary->begin();
-        return diary;
+        return openInTransactionPatiently(path);
     } catch (const jet::Error& error) {
         switch (error.code()) {
         case jet::ErrorCode::FileNotFound:

@@ -18,7 +18,7 @@ void requireFreePath(FileSystem& fileSystem, const std::string& path)
 }
 
 UnfinishedFile::UnfinishedFile(FileSystem& fileSystem, std::string finalPath)
-    : fileSystem_(&fileSystem), finalPath_(std::move(finalPath)), path_(finalPath_ + ".new")
+    : fileSystem_(&fileSystem), finalPath_(std::move(finalPath)), path_(finalPath_ + "-unfinished")
 {
     removeLeftovers();
 }

@@ -1,6 +1,6 @@
 // Files that appear under their name when they are whole.
 //
-// Such a file is written under its name with ".new" behind it and renamed when it is durable. What stands under the
+// Such a file is written under its name with "-unfinished" behind it and renamed when it is durable. What stands under the
 // second name is the remains of an attempt that was cut short; nothing depends on it, and the next attempt removes it.
 #pragma once
 

@@ -320,7 +320,7 @@ TEST_F(Compaction, IsTheOldOrTheNewFileOnADiskThatIsFull)
             [&](FileSystem& other, bool finished) {
                 EXPECT_EQ(bytesOf(other, kDiary) == old, !finished);
                 EXPECT_EQ(contentAt(other), content);
-                EXPECT_FALSE(other.exists(kDiary + ".new"));
+                EXPECT_FALSE(other.exists(kDiary + "-unfinished"));
             },
         .call = Call::Write,
         .code = ErrorCode::DiskFull,

@@ -132,7 +132,7 @@ TEST_F(Creation, TheJournalOfALostFileIsNotTakenForTheNewOnes)
 
 TEST_F(Creation, NothingElseIsLeftBesideTheFile)
 {
-    files_.setContent(kPath + ".new", Bytes(5)); // of a creation that was cut short
+    files_.setContent(kPath + "-unfinished", Bytes(5)); // of a creation that was cut short
     static_cast<void>(Database::create(files_, kPath, DateTime{}));
     EXPECT_EQ(files_.files().size(), 1U);
 }

@@ -138,7 +138,7 @@ TEST_F(Copy, IsOfWhatIsOnTheDisk)
     EXPECT_THAT([&] { diary->copyTo("/diary/second.mdb"); }, throwsError(ErrorCode::InvalidArgument));
     diary->rollback();
     EXPECT_FALSE(disk.exists("/diary/second.mdb"));
-    EXPECT_FALSE(disk.exists("/diary/second.mdb.new"));
+    EXPECT_FALSE(disk.exists("/diary/second.mdb-unfinished"));
 }
 
 TEST_F(Copy, CanBeMadeWhileOthersReadAndWhileOneIsAboutToChange)
@@ -156,19 +156,19 @@ TEST_F(Copy, CanBeMadeWhileOthersReadAndWhileOneIsAboutToChange)
 
 TEST_F(Copy, ReplacesTheRemainsOfAnAttemptThatWasCutShort)
 {
-    makeFile(disk, "/diary/second.mdb.new", Bytes(99));
-    makeFile(disk, "/diary/second.mdb.new-journal", Bytes(99));
+    makeFile(disk, "/diary/second.mdb-unfinished", Bytes(99));
+    makeFile(disk, "/diary/second.mdb-unfinished-journal", Bytes(99));
     Database::open(disk, kDiary)->copyTo("/diary/second.mdb");
     EXPECT_EQ(disk.files().size(), 3U);
 }
 
 TEST_F(Copy, DoesNotDisturbAnotherProgramThatMakesTheSame)
 {
-    makeFile(disk, "/diary/second.mdb.new", Bytes(99));
-    const auto other = disk.open("/diary/second.mdb.new", OpenMode::ReadWrite);
+    makeFile(disk, "/diary/second.mdb-unfinished", Bytes(99));
+    const auto other = disk.open("/diary/second.mdb-unfinished", OpenMode::ReadWrite);
     other->lock(LockLevel::Exclusive, std::chrono::milliseconds{0});
     EXPECT_THAT([&] { Database::open(disk, kDiary)->copyTo("/diary/second.mdb"); }, throwsError(ErrorCode::Locked));
-    EXPECT_EQ(disk.content("/diary/second.mdb.new"), Bytes(99));
+    EXPECT_EQ(disk.content("/diary/second.mdb-unfinished"), Bytes(99));
 }
 
 TEST_F(Copy, IsThereWholeOrNotAtAllWhereverThePowerFails)
@@ -212,7 +212,7 @@ TEST_F(Copy, LeavesNothingBehindOnADiskThatIsFull)
         .check =
             [](FileSystem& other, bool finished) {
                 EXPECT_EQ(other.exists("/diary/second.mdb"), finished);
-                EXPECT_FALSE(other.exists("/diary/second.mdb.new"));
+                EXPECT_FALSE(other.exists("/diary/second.mdb-unfinished"));
             },
         .call = test::Call::Write,
         .code = ErrorCode::DiskFull,
