@@ -4,8 +4,6 @@
 #include "data/engine/value_conversion.h"
 #include "runtime/run_time_error.h"
 
-#include <QStringList>
-
 #include <cmath>
 
 namespace data {
@@ -150,15 +148,6 @@ void SqlConnection::run(const SqlText& text, const std::function<void(const Resu
     if (code != SQLITE_DONE) {
         fail(code);
     }
-}
-
-QStringList SqlConnection::planOf(const SqlText& text)
-{
-    constexpr int kDetailColumn = 3;
-    QStringList plan;
-    run({QStringLiteral("EXPLAIN QUERY PLAN ") + text.sql, text.parameters},
-        [&](const ResultRow& row) { plan.append(std::get<QString>(row.value(kDetailColumn))); });
-    return plan;
 }
 
 } // namespace data

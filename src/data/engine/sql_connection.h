@@ -43,8 +43,6 @@ public:
     /// Runs a SELECT to its end. Throws what a callback threw, RunTimeError 3360 for a statement beyond SQLite's
     /// limits, and std::bad_alloc.
     void run(const SqlText& text, const std::function<void(const ResultRow&)>& eachRow);
-    /// How SQLite would run it: what EXPLAIN QUERY PLAN says, a line a step.
-    [[nodiscard]] QStringList planOf(const SqlText& text);
 
 private:
     struct Close {
