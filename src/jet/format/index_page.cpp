@@ -139,7 +139,7 @@ void IndexPage::copyKey(std::size_t entry, Bytes& key) const
 {
     key.clear();
     appendEntry(entry, key);
-    key.resize(key.size() - trailerSize(header_.kind));
+    key.erase(key.end() - static_cast<std::ptrdiff_t>(trailerSize(header_.kind)), key.end());
 }
 
 void IndexPage::appendEntry(std::size_t entry, Bytes& bytes) const
