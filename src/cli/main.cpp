@@ -4,8 +4,10 @@
 
 #include <QGuiApplication>
 
+#include <algorithm>
 #include <csignal>
 #include <memory>
+#include <span>
 
 namespace {
 
@@ -32,6 +34,14 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char* argv[])
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
+/// An argument that is no text of the locale would reach the commands as another one: the name of another file.
+bool areTexts(std::span<char* const> arguments)
+{
+    return std::all_of(arguments.begin(), arguments.end(), [](const char* argument) {
+        return QString::fromLocal8Bit(argument).toLocal8Bit() == QByteArray(argument);
+    });
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -39,6 +49,10 @@ int main(int argc, char* argv[])
     cli::occupyStandardStreams();
     std::signal(SIGPIPE, SIG_IGN); // a reader that left is an error of write()
     qInstallMessageHandler(dropRemark);
+    if (!areTexts(std::span(argv, static_cast<std::size_t>(argc)))) {
+        cli::tell(QStringLiteral("An argument is no valid UTF-8."));
+        return static_cast<int>(cli::ExitStatus::Usage);
+    }
     const auto application = makeApplication(argc, argv);
     return static_cast<int>(cli::run(QCoreApplication::arguments().mid(1)));
 }

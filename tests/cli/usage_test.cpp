@@ -2,6 +2,7 @@
 #include "cli/quillonctl.h"
 
 #include <QFile>
+#include <QProcess>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,6 +44,17 @@ TEST(Usage, VersionIsOneLine)
     const Outcome outcome = quillonctl({QStringLiteral("--version")});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.out, testing::MatchesRegex("quillonctl [0-9.]+\n"));
+}
+
+TEST(Usage, AnArgumentThatIsNoTextIsRefusedAndNeverTakenForAnother)
+{
+    QProcess shell; // a QString cannot hold the argument
+    shell.start(
+        QStringLiteral("/bin/sh"),
+        {QStringLiteral("-c"), QStringLiteral("\"$0\" check \"$(printf 'a\\377.mdb')\""), QStringLiteral(QUILLONCTL)});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(shell.exitCode(), 2);
+    EXPECT_EQ(shell.readAllStandardError().toStdString(), "quillonctl: An argument is no valid UTF-8.\n");
 }
 
 TEST(Usage, TheManualTellsEveryCommandAndOption)

@@ -200,6 +200,15 @@ TEST_F(Restore, MakesADiaryWhereThereIsNone)
     EXPECT_THAT(besideDiary(), ElementsAre("Nutrition.mdb"));
 }
 
+TEST_F(Restore, OfABackupThatMayOnlyBeReadMakesADiaryThatMayBeWritten)
+{
+    QFile::remove(diary.path());
+    ASSERT_TRUE(QFile::setPermissions(backup, QFile::ReadOwner | QFile::ReadUser));
+    static_cast<void>(restore());
+    EXPECT_TRUE(QFile::permissions(diary.path()).testFlag(QFile::WriteOwner));
+    EXPECT_TRUE(QFile::permissions(diary.path()).testFlag(QFile::ReadOwner));
+}
+
 TEST_F(Restore, MovesADiaryThatCannotBeOpenedAsideWithItsJournal)
 {
     writeFile(diary.path(), "not a diary any more");
