@@ -1,7 +1,6 @@
 #include "data/safekeeping/dated_copies.h"
 
 #include "data/engine/error_translation.h"
-#include "data/engine/session.h"
 #include "data/safekeeping/diary_file.h"
 
 #include <QDate>
@@ -47,6 +46,19 @@ QString damageWords(const QString& diary, const QStringList& damage)
         .arg(diary, damage.constFirst());
 }
 
+/// The damage of what was copied; nothing where another program has made the copy meanwhile. It is made in a
+/// transaction that changes nothing: programs that are about to make the same day's first change do so one by one.
+std::optional<QStringList> copyUnlessThere(const QString& diary, const QString& path)
+{
+    const auto file = jet::Database::open(jet::posixFileSystem(), diary.toStdString(), jet::OpenMode::ReadWrite);
+    file->begin();
+    if (QFileInfo::exists(path)) {
+        return std::nullopt;
+    }
+    file->copyTo(path.toStdString());
+    return damageIn(*file);
+}
+
 } // namespace
 
 // --- The folder ---
@@ -62,14 +74,15 @@ CopyFolder::CopyFolder(const QString& diary)
 
 void CopyFolder::make() const
 {
-    if (QFileInfo(folder_).isDir()) {
-        return;
-    }
-    if (!QDir().mkdir(folder_)) {
+    // Tried before looking: another program may be making it at this moment.
+    const bool isNew = QDir().mkdir(folder_);
+    if (!isNew && !QFileInfo(folder_).isDir()) {
         throw RunTimeError(ErrorNumber::CannotOpenFile, QStringLiteral("Cannot make the folder '%1'.").arg(folder_),
                            QStringLiteral("Make sure that files can be written beside the diary."));
     }
-    translating(folder_, [&] { jet::posixFileSystem().syncFolderOf(folder_.toStdString()); });
+    if (isNew) {
+        translating(folder_, [&] { jet::posixFileSystem().syncFolderOf(folder_.toStdString()); });
+    }
 }
 
 QString CopyFolder::nameFor(runtime::Date day) const
@@ -82,11 +95,11 @@ QString CopyFolder::freeNameFor(runtime::Date day, const QString& remark) const
     return freePath(folder_, baseName_ + u' ' + isoDate(day) + remark, suffix_);
 }
 
-void CopyFolder::thinOut(int kept, runtime::Date day) const
+QStringList CopyFolder::datesOfFiles(const QString& suffix) const
 {
     const QRegularExpression pattern(
         QStringLiteral("\\A%1 ([0-9]{4}-[0-9]{2}-[0-9]{2})%2\\z")
-            .arg(QRegularExpression::escape(baseName_), QRegularExpression::escape(suffix_)));
+            .arg(QRegularExpression::escape(baseName_), QRegularExpression::escape(suffix)));
     QStringList dates;
     for (const QFileInfo& file : QDir(folder_).entryInfoList(QDir::Files | QDir::NoSymLinks | QDir::Hidden)) {
         const QRegularExpressionMatch match = pattern.match(file.fileName());
@@ -95,11 +108,24 @@ void CopyFolder::thinOut(int kept, runtime::Date day) const
         }
     }
     std::sort(dates.begin(), dates.end());
-    for (qsizetype i = 0; i < dates.size() - kept; ++i) {
-        if (dates.at(i) != isoDate(day)) {
-            QFile::remove(QDir(folder_).filePath(baseName_ + u' ' + dates.at(i) + suffix_));
+    return dates;
+}
+
+void CopyFolder::removeFiles(const QStringList& dates, const QString& suffix, runtime::Date day) const
+{
+    for (const QString& date : dates) {
+        if (date != isoDate(day)) {
+            QFile::remove(QDir(folder_).filePath(baseName_ + u' ' + date + suffix));
         }
     }
+}
+
+void CopyFolder::thinOut(int kept, runtime::Date day) const
+{
+    const QStringList dates = datesOfFiles(suffix_);
+    removeFiles(dates.mid(0, std::max<qsizetype>(dates.size() - kept, 0)), suffix_, day);
+    const QString remains = suffix_ + QStringLiteral("-unfinished");
+    removeFiles(datesOfFiles(remains), remains, day);
 }
 
 // --- The copies ---
@@ -128,22 +154,14 @@ void DatedCopies::makeCopy(const QString& diary, runtime::Date day)
     }
     copies.make();
     requireRoomFor(diary, QFileInfo(path).absolutePath());
-    const QStringList damage = translating(diary, [&] {
-        const std::unique_ptr<jet::Database> file = openDiary(diary);
-        const ReadScope reading(*file);
-        try {
-            file->copyTo(path.toStdString());
-        } catch (const jet::Error&) {
-            if (!QFileInfo::exists(path)) {
-                throw; // else another program has just made it
-            }
-        }
-        return damageIn(*file);
-    });
-    if (damage.isEmpty()) {
+    const std::optional<QStringList> damage = translating(diary, [&] { return copyUnlessThere(diary, path); });
+    if (!damage) {
+        return;
+    }
+    if (damage->isEmpty()) {
         copies.thinOut(kKept, day);
     } else {
-        tell_(damageWords(diary, damage));
+        tell_(damageWords(diary, *damage));
     }
 }
 

@@ -1,14 +1,15 @@
 // A copy of the diary for each day on which it is changed, as it was before the day's first change.
 //
 // They are in the folder "backups" beside the diary, called "Nutrition 2026-11-21.mdb". The newest fourteen are kept.
-// Only files of exactly such a name are ever removed, and none after the copying of a diary that was found damaged: the
-// older copies are then the better ones.
+// Only files of exactly such a name, finished or not, are ever removed, and none after the copying of a diary that was
+// found damaged: the older copies are then the better ones.
 #pragma once
 
 #include "runtime/clock.h"
 
 #include <QHash>
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -26,10 +27,16 @@ public:
     [[nodiscard]] QString nameFor(runtime::Date day) const;
     /// The day's name when it is free, else one with a number behind it, which is never removed.
     [[nodiscard]] QString freeNameFor(runtime::Date day, const QString& remark = {}) const;
-    /// Removes all dated copies but the newest so many and the one of the day.
+    /// Removes all dated copies but the newest so many and the one of the day, and what was left of copies that were
+    /// broken off on other days.
     void thinOut(int kept, runtime::Date day) const;
 
 private:
+    /// In order, of the files called "Nutrition 2026-11-21" and the suffix.
+    [[nodiscard]] QStringList datesOfFiles(const QString& suffix) const;
+    /// Removes such files, but not the day's.
+    void removeFiles(const QStringList& dates, const QString& suffix, runtime::Date day) const;
+
     QString folder_;
     QString baseName_; ///< of the diary
     QString suffix_;   ///< with its point

@@ -9,6 +9,9 @@
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
+#include <latch>
+#include <mutex>
+#include <thread>
 
 namespace {
 
@@ -148,6 +151,48 @@ TEST_F(DatedCopies, AreBesideTheFileThatALinkLeadsTo)
     data::Database(link).execute(QStringLiteral("Delete * from BloodSugarLevels"));
     EXPECT_THAT(namesIn(folder()), ElementsAre("Nutrition 2026-11-21.mdb"));
     EXPECT_THAT(namesIn(elsewhere.path()), ElementsAre("link.mdb"));
+}
+
+/// What so many programs are told that are about to make a diary's first change of the day at the same moment.
+std::vector<std::string> toldToProgramsAtOnce(int count, const QString& diary, const runtime::Clock& clock)
+{
+    std::vector<std::string> told;
+    std::mutex mutex;
+    std::latch start(count);
+    {
+        std::vector<std::jthread> programs;
+        for (int i = 0; i < count; ++i) {
+            programs.emplace_back([&] {
+                data::DatedCopies copies(clock, [&](const QString& words) {
+                    const std::lock_guard guard(mutex);
+                    told.push_back(words.toStdString());
+                });
+                start.arrive_and_wait();
+                copies.beforeChange(diary);
+            });
+        }
+    }
+    return told;
+}
+
+TEST_F(DatedCopies, ProgramsThatChangeADiaryAtTheSameMomentMakeOneBetweenThemAndAreToldNothing)
+{
+    for (int round = 0; round < 40; ++round) {
+        EXPECT_THAT(toldToProgramsAtOnce(4, diary.path(), clock), IsEmpty());
+        ASSERT_THAT(namesIn(folder()), ElementsAre("Nutrition 2026-11-21.mdb"));
+        ASSERT_TRUE(QDir(folder()).removeRecursively());
+    }
+}
+
+TEST_F(DatedCopies, WhatAKilledCopyLeftOnAnotherDayIsCleared)
+{
+    ASSERT_TRUE(QDir().mkpath(folder()));
+    writeFile(copy("Nutrition 2026-11-19.mdb-unfinished"), "half a copy");
+    writeFile(copy("Nutrition 2026-11-21.mdb-unfinished"), "half a copy");
+    writeFile(copy("My Nutrition 2026-11-19.mdb-unfinished"), "another diary's");
+    addReading();
+    EXPECT_THAT(namesIn(folder()), ElementsAre("My Nutrition 2026-11-19.mdb-unfinished", "Nutrition 2026-11-21.mdb"));
+    EXPECT_THAT(told, IsEmpty());
 }
 
 // --- Every kind of change ---
