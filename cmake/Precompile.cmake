@@ -1,5 +1,6 @@
-# Headers that many sources include, parsed once for all of them. Only where QUILLON_PRECOMPILE says so: elsewhere every
-# source still has to include what it needs. A compiler cache does not look into precompiled headers, and saves more.
+# Headers that many sources include, parsed once for all of them where QUILLON_PRECOMPILE says so. Every source includes what
+# it needs all the same, which a build without it proves. A compiler cache does not look into precompiled headers, and saves
+# more.
 #
 #   quillon_precompiled_headers(NAME name LINKS targets... HEADERS ...)
 #   quillon_precompile(target name): the target's sources start with the headers of that name.
