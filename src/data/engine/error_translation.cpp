@@ -44,6 +44,7 @@ RunTimeError translated(const jet::Error& error, const QString& path)
         return RunTimeError(ErrorNumber::DiskFull)
             .withHint(QStringLiteral("Nothing of this change was kept. Free some space and try again."));
     case jet::ErrorCode::Io:
+    case jet::ErrorCode::Replaced:
         return RunTimeError(ErrorNumber::DiskError).withHint(sentence);
     case jet::ErrorCode::NotADatabase:
     case jet::ErrorCode::UnsupportedVersion:

@@ -6,7 +6,6 @@
 #include "data/safekeeping/diary_file.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace data {
@@ -73,7 +72,7 @@ std::unique_ptr<jet::Database> openInTransactionPatiently(const QString& path)
         try {
             return openInTransaction(path);
         } catch (const jet::Error& error) {
-            if (error.code() != jet::ErrorCode::Io) {
+            if (error.code() != jet::ErrorCode::Replaced) {
                 throw;
             }
         }
@@ -107,8 +106,6 @@ Restored restoreOverUnusable(jet::Database& backup, const QString& diary, const 
 {
     const QString aside = nameForDamaged(diary, clock);
     backup.copyOver(diary.toStdString(), aside.toStdString());
-    // A backup that may only be read, on a disc perhaps, must not make a diary of its kind.
-    QFile::setPermissions(diary, QFile::permissions(diary) | QFile::WriteOwner);
     for (const QString& kept : {aside, aside + QStringLiteral("-journal")}) {
         if (QFileInfo::exists(kept)) {
             return {kept, true};

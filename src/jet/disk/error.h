@@ -16,6 +16,7 @@ enum class ErrorCode {
     FileNotFound,       ///< there is no file at the path
     FileExists,         ///< a file that was to be created is there already
     ReadOnly,           ///< a change was asked of a file, a table or a column that cannot be changed
+    Replaced,           ///< the file was moved, removed or replaced by another program while it was open
     Locked,             ///< another program holds a lock that does not go with ours
     DiskFull,           ///< no space is left for a write
     NotADatabase,       ///< the file is not an Access file

@@ -176,8 +176,7 @@ void Pager::replaceBy(const std::string& path)
         file_->lock(LockLevel::Exclusive, patience_);
         // A journal that went not yet durably must not come back beside the other file.
         fileSystem_->syncFolderOf(resolvedPath_);
-        fileSystem_->rename(path, resolvedPath_);
-        fileSystem_->syncFolderOf(resolvedPath_);
+        renameDurably(*fileSystem_, path, resolvedPath_);
     } catch (...) {
         rollback();
         throw;
@@ -228,7 +227,7 @@ void Pager::takeLock(LockLevel level)
     file_->lock(level, patience_);
     try {
         if (!file_->isInPlace()) {
-            throw Error(ErrorCode::Io,
+            throw Error(ErrorCode::Replaced,
                         "The file " + path_ + " was moved, removed or replaced while it was open; open it again");
         }
         if (journal_.isThere()) {

@@ -105,8 +105,9 @@ public:
     /// Fills a file in the making with the bytes of this one as they are, part of a page at their end included.
     void copyTo(UnfinishedFile& copy);
     /// Puts a finished and durable file, in the same folder, in the place of this one, while no other connection has
-    /// it; ends the transaction. Durable when it returns. When it throws, the one or the other file is there, whole.
-    /// From then on this pager and all others that have the old file say that it was replaced.
+    /// it; ends the transaction. Durable when it returns. When it throws, the one or the other file is there, whole;
+    /// the message says so where it is the new one. From then on this pager and all others that have the old file say
+    /// that it was replaced.
     void replaceBy(const std::string& path);
     /// The path with links resolved: the name that replaceBy() gives.
     [[nodiscard]] const std::string& resolvedPath() const { return resolvedPath_; }

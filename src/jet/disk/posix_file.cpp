@@ -194,7 +194,8 @@ public:
         return now;
     }
 
-    /// Gives the file the owner, group and rights of another, as far as the system lets us; never more rights.
+    /// Gives the file the owner, group and rights of another, as far as the system lets us; never more rights, but its
+    /// owner can always use it.
     void takeRightsOf(const struct stat& model)
     {
         mode_t mode = model.st_mode & (S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
@@ -203,6 +204,7 @@ public:
             ::fchown(descriptor_.get(), model.st_uid, model.st_gid) != 0) {
             mode &= S_IRUSR | S_IWUSR;
         }
+        mode |= S_IRUSR | S_IWUSR;
         retried("set the rights of", path_, [&] { return ::fchmod(descriptor_.get(), mode); });
     }
 

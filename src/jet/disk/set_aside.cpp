@@ -42,7 +42,7 @@ void setAside(FileSystem& fileSystem, const std::string& path, const std::string
     const std::unique_ptr<File> file = fileSystem.open(path, OpenMode::ReadWrite);
     file->lock(LockLevel::Exclusive, Pager::kPatience);
     if (!file->isInPlace()) {
-        throw Error(ErrorCode::Io, "The file " + path + " was moved or replaced by another program just now");
+        throw Error(ErrorCode::Replaced, "The file " + path + " was moved or replaced by another program just now");
     }
     // The journal is at the new name before the file is, and leaves the old one after it.
     const bool hasJournal = journal.isThere();

@@ -17,6 +17,17 @@ void requireFreePath(FileSystem& fileSystem, const std::string& path)
     }
 }
 
+void renameDurably(FileSystem& fileSystem, const std::string& from, const std::string& to)
+{
+    fileSystem.rename(from, to);
+    try {
+        fileSystem.syncFolderOf(to);
+    } catch (const Error& error) {
+        throw Error(ErrorCode::Io,
+                    "The file " + to + " is in place, but may not outlast a loss of power: " + error.what());
+    }
+}
+
 UnfinishedFile::UnfinishedFile(FileSystem& fileSystem, std::string finalPath)
     : fileSystem_(&fileSystem), finalPath_(std::move(finalPath)), path_(finalPath_ + "-unfinished")
 {
@@ -45,7 +56,7 @@ void UnfinishedFile::create(const std::string& model)
 
 void UnfinishedFile::copyFrom(File& file, const std::string& model)
 {
-    copy_ = fileSystem_->createLike(path_, model);
+    copy_ = fileSystem_->createLike(path_, fileSystem_->exists(finalPath_) ? finalPath_ : model);
     copy_->lock(LockLevel::Exclusive, Pager::kPatience);
     copyContent(file, *copy_);
     const std::unique_ptr<File> found = fileSystem_->open(path_, OpenMode::ReadOnly);
@@ -60,9 +71,8 @@ void UnfinishedFile::finish()
     if (copy_ != nullptr && !copy_->isInPlace()) {
         throw Error(ErrorCode::Io, "The file " + path_ + " was moved or removed before it was finished");
     }
-    fileSystem_->rename(path_, finalPath_);
     finished_ = true;
-    fileSystem_->syncFolderOf(finalPath_);
+    renameDurably(*fileSystem_, path_, finalPath_);
 }
 
 void UnfinishedFile::removeLeftovers()

@@ -209,6 +209,23 @@ TEST_F(Restore, OfABackupThatMayOnlyBeReadMakesADiaryThatMayBeWritten)
     EXPECT_TRUE(QFile::permissions(diary.path()).testFlag(QFile::ReadOwner));
 }
 
+TEST_F(Restore, LeavesTheRightsOfTheDiaryAsTheyWere)
+{
+    const QFile::Permissions shared = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser |
+                                      QFile::ReadGroup | QFile::WriteGroup;
+    ASSERT_TRUE(QFile::setPermissions(backup, QFile::ReadOwner | QFile::ReadUser | QFile::ReadOther));
+    ASSERT_TRUE(QFile::setPermissions(diary.path(), shared));
+    static_cast<void>(restore());
+    EXPECT_EQ(QFile::permissions(diary.path()), shared);
+    damage(diary.path());
+    static_cast<void>(restore());
+    EXPECT_EQ(QFile::permissions(diary.path()), shared) << "over a damaged one";
+    writeFile(diary.path(), "not a diary any more");
+    ASSERT_TRUE(QFile::setPermissions(diary.path(), shared));
+    static_cast<void>(restore());
+    EXPECT_EQ(QFile::permissions(diary.path()), shared) << "over one that cannot be opened";
+}
+
 TEST_F(Restore, MovesADiaryThatCannotBeOpenedAsideWithItsJournal)
 {
     writeFile(diary.path(), "not a diary any more");

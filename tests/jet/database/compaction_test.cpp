@@ -150,7 +150,7 @@ TEST_F(Compaction, IsNoticedByConnectionsToTheOldFile)
     const auto browser = Database::open(disk, kDiary);
     EXPECT_EQ(contentOf(*browser), content);
     compact(disk);
-    EXPECT_THAT([&] { static_cast<void>(contentOf(*browser)); }, throwsError(ErrorCode::Io, "replaced"));
+    EXPECT_THAT([&] { static_cast<void>(contentOf(*browser)); }, throwsError(ErrorCode::Replaced, "replaced"));
 }
 
 // --- The proof ---

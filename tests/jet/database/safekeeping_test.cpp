@@ -272,13 +272,22 @@ TEST_F(Replacement, WaitsForReadersAndThenGivesUp)
     EXPECT_EQ(disk.files().size(), 2U);
 }
 
+TEST_F(Replacement, ThatMayNotOutlastALossOfPowerSaysThatItIsInPlace)
+{
+    test::FaultFileSystem faulty(disk);
+    faulty.set({.at = 1, .call = test::Call::SyncFolder, .code = ErrorCode::DiskFull});
+    EXPECT_THAT([&] { replaceByCopy(faulty); }, throwsError(ErrorCode::Io, "is in place"));
+    EXPECT_TRUE(faulty.hasFailed());
+    EXPECT_EQ(disk.content(kDiary), disk.content(kCopy));
+}
+
 TEST_F(Replacement, IsNoticedByConnectionsToTheOldFile)
 {
     const auto browser = Database::open(disk, kDiary);
     EXPECT_EQ(contentOf(*browser), now);
     replaceByCopy(disk);
-    EXPECT_THAT([&] { static_cast<void>(contentOf(*browser)); }, throwsError(ErrorCode::Io, "replaced"));
-    EXPECT_THAT([&] { insertMeal(*browser); }, throwsError(ErrorCode::Io, "open it again"));
+    EXPECT_THAT([&] { static_cast<void>(contentOf(*browser)); }, throwsError(ErrorCode::Replaced, "replaced"));
+    EXPECT_THAT([&] { insertMeal(*browser); }, throwsError(ErrorCode::Replaced, "open it again"));
     EXPECT_EQ(contentAt(disk, kDiary), before) << "no change of the old file reaches the new one";
 }
 
@@ -423,7 +432,7 @@ TEST(ReplacementOnDisk, IsNoticedByAnotherProcess)
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_EQ(status, 0);
-    EXPECT_THAT([&] { insertMeal(*diary); }, throwsError(ErrorCode::Io, "replaced"));
+    EXPECT_THAT([&] { insertMeal(*diary); }, throwsError(ErrorCode::Replaced, "replaced"));
     const auto again = Database::open(posixFileSystem(), path);
     EXPECT_EQ(again->table("Meals").rowCount(), 0U);
     insertMeal(*again);

@@ -338,9 +338,14 @@ TEST_F(RealFile, AFileLikeAnotherTakesItsRights)
     ASSERT_EQ(::chmod(path().c_str(), 0664), 0);
     static_cast<void>(posixFileSystem().createLike(path("b"), path()));
     EXPECT_EQ(modeOf(path("b")), 0664U);
-    ASSERT_EQ(::chmod(path().c_str(), 0400), 0);
+}
+
+TEST_F(RealFile, AFileLikeOneThatMayOnlyBeReadCanBeWrittenByItsOwner)
+{
+    make("abc");
+    ASSERT_EQ(::chmod(path().c_str(), 0440), 0);
     static_cast<void>(posixFileSystem().createLike(path("c"), path()));
-    EXPECT_EQ(modeOf(path("c")), 0400U);
+    EXPECT_EQ(modeOf(path("c")), 0640U);
 }
 
 TEST_F(RealFile, ALinkResolvesToTheFile)

@@ -161,8 +161,8 @@ TEST_F(TwoConnections, AFileThatWasReplacedIsNotUsedAnyMore)
     Pager pager = open();
     disk.setContent("new", filledPages({7, 8}));
     disk.rename("new", kPath);
-    EXPECT_THAT([&] { pager.begin(); }, throwsError(ErrorCode::Io, "moved, removed or replaced"));
-    EXPECT_THAT([&] { pager.beginRead(); }, throwsError(ErrorCode::Io, "moved, removed or replaced"));
+    EXPECT_THAT([&] { pager.begin(); }, throwsError(ErrorCode::Replaced, "moved, removed or replaced"));
+    EXPECT_THAT([&] { pager.beginRead(); }, throwsError(ErrorCode::Replaced, "moved, removed or replaced"));
     EXPECT_EQ(disk.content(kPath), filledPages({7, 8}));
     EXPECT_EQ(marksOfFile(disk), (std::vector{7, 8}));
 }
