@@ -32,7 +32,7 @@ void requireOtherFile(const QString& backup, const QString& diary)
     }
 }
 
-/// A backup that was found sound, and that nobody changes while it is copied.
+/// A backup of a diary that was found sound, and that nobody changes while it is copied.
 struct SoundBackup {
     explicit SoundBackup(const QString& path)
         : file(jet::Database::open(jet::posixFileSystem(), path.toStdString(), jet::OpenMode::ReadOnly)), reading(*file)
@@ -40,6 +40,11 @@ struct SoundBackup {
         if (const QStringList damage = damageIn(*file); !damage.isEmpty()) {
             throw RunTimeError(ErrorNumber::UnrecognisedFormat, QStringLiteral("The backup '%1' is damaged.").arg(path),
                                QStringLiteral("The diary was left as it is. %1").arg(damage.constFirst()));
+        }
+        if (!file->hasTable("BloodSugarLevels")) {
+            throw RunTimeError(
+                ErrorNumber::UnrecognisedFormat, QStringLiteral("The file '%1' is no diary.").arg(path),
+                QStringLiteral("The diary was left as it is. The file has no table 'BloodSugarLevels'."));
         }
     }
 

@@ -23,7 +23,8 @@ struct Restored {
     bool wasDamaged = false; ///< that file, so it is beside the diary and not among the dated copies
 };
 
-/// Puts a copy of a backup in the place of the diary. The backup is only read; when it is damaged, nothing changes.
+/// Puts a copy of a backup in the place of the diary. The backup is only read; when it is damaged or no diary, nothing
+/// changes (3343).
 /// What was there before is kept as it is on the disk and never removed: among the dated copies, or where it is damaged
 /// or cannot be opened, together with its journal, beside the diary. Other programs may have the diary open, but not be
 /// about to read or change it (3045); those that had it open notice.

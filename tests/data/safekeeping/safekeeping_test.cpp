@@ -1,6 +1,7 @@
 // Backups: made, and put back.
 #include "data/safekeeping/files.h"
 #include "data/safekeeping/safekeeping.h"
+#include "jet/database.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
 #include "support/file_size_limit.h"
@@ -312,6 +313,17 @@ TEST_F(Restore, ThatCannotKeepThePresentDiaryChangesNothing)
     EXPECT_EQ(errorOf([&] { static_cast<void>(restore()); }).code(), ErrorNumber::CannotOpenFile);
     EXPECT_EQ(contentOf(diary.path()), present);
     EXPECT_EQ(readingsIn(diary.path()), 1) << "and holds no lock";
+}
+
+TEST_F(Restore, OfAnotherProgramsFileChangesNothing)
+{
+    const QString other = inFolder("Stamps.mdb");
+    static_cast<void>(jet::Database::create(jet::posixFileSystem(), other.toStdString(), jet::DateTime{46000}));
+    const auto error = errorOf([&] { static_cast<void>(data::restore(other, diary.path(), clock)); });
+    EXPECT_EQ(error.code(), ErrorNumber::UnrecognisedFormat);
+    EXPECT_THAT(error.words().toStdString(), HasSubstr("Stamps.mdb' is no diary."));
+    EXPECT_EQ(contentOf(diary.path()), present);
+    EXPECT_THAT(besideDiary(), ElementsAre("Nutrition.mdb"));
 }
 
 TEST_F(Restore, ADiskThatIsFullChangesNothing)
