@@ -141,7 +141,9 @@ void DatedCopies::beforeChange(const QString& diary)
     try {
         makeCopy(diary, day);
     } catch (const RunTimeError& error) {
-        tell_(failureWords(diary, error));
+        if (!QFileInfo::exists(CopyFolder(diary).nameFor(day))) { // else another program made it while this one waited
+            tell_(failureWords(diary, error));
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 #include "data/before_change.h"
 #include "data/safekeeping/dated_copies.h"
 #include "data/safekeeping/files.h"
+#include "jet/database.h"
 #include "runtime/conversions.h"
 #include "support/file_size_limit.h"
 #include "support/test_diary.h"
@@ -182,6 +183,19 @@ TEST_F(DatedCopies, ProgramsThatChangeADiaryAtTheSameMomentMakeOneBetweenThemAnd
         ASSERT_THAT(namesIn(folder()), ElementsAre("Nutrition 2026-11-21.mdb"));
         ASSERT_TRUE(QDir(folder()).removeRecursively());
     }
+}
+
+TEST_F(DatedCopies, OneThatAnotherProgramMadeWhileThisOneWaitedInVainIsNoFault)
+{
+    const auto other = jet::Database::open(jet::posixFileSystem(), diary.path().toStdString());
+    other->begin();
+    std::jthread waiting([this] { copies.beforeChange(diary.path()); });
+    while (!QFileInfo::exists(folder())) { // else it finds the copy at once
+        std::this_thread::yield();
+    }
+    other->copyTo(copy("Nutrition 2026-11-21.mdb").toStdString());
+    waiting.join(); // its patience is over
+    EXPECT_THAT(told, IsEmpty());
 }
 
 TEST_F(DatedCopies, WhatAKilledCopyLeftOnAnotherDayIsCleared)
