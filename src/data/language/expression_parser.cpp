@@ -27,13 +27,12 @@ constexpr std::array kSum{Operator{u"+", Add}, Operator{u"-", Subtract}};
 constexpr std::array kModulo{Operator{u"mod", Modulo}};
 constexpr std::array kWholeDivide{Operator{u"\\", WholeDivide}};
 constexpr std::array kProduct{Operator{u"*", Multiply}, Operator{u"/", Divide}};
-constexpr std::array kPower{Operator{u"^", Power}};
 constexpr std::array kComparison{Operator{u"=", Equal},        Operator{u"<>", NotEqual},
                                  Operator{u"<=", LessOrEqual}, Operator{u">=", GreaterOrEqual},
                                  Operator{u"<", Less},         Operator{u">", Greater}};
 
-/// The ranks of operators from the loosest to the tightest, as far as they are plain chains. Not and the comparisons
-/// stand between And and &.
+/// The ranks of operators from the loosest to the tightest, as far as they are plain chains: those of conditions and
+/// those of values. Not and the comparisons stand between And and &; the sign and ^ bind tighter than all of them.
 constexpr std::array<std::span<const Operator>, 5> kLogical{kImp, kEqv, kXor, kOr, kAnd};
 constexpr std::array<std::span<const Operator>, 5> kArithmetic{kConcatenate, kSum, kModulo, kWholeDivide, kProduct};
 
@@ -43,6 +42,13 @@ const Operator* operatorAt(const Token& token, std::span<const Operator> operato
         return token.isSymbol(candidate.text) || token.isWord(candidate.text);
     });
     return found == operators.end() ? nullptr : &*found;
+}
+
+void requireChainOf(int length)
+{
+    if (length >= kLongestChain) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::QueryTooComplex);
+    }
 }
 
 /// Words that cannot name anything where an expression or a name starts.
@@ -78,39 +84,47 @@ ExpressionPtr ExpressionParser::make(Expression::Node node, qsizetype begin) con
 ExpressionPtr ExpressionParser::expression()
 {
     const Deeper deeper(*this);
-    return binaryLevel(0);
+    return logical(0);
 }
 
-ExpressionPtr ExpressionParser::binaryLevel(std::size_t level)
+std::vector<ExpressionPtr> ExpressionParser::expressions()
 {
-    constexpr std::size_t kComparisons = kLogical.size();
-    constexpr std::size_t kEnd = kLogical.size() + kArithmetic.size() + 1;
-    if (level == kComparisons) {
-        return notLevel();
-    }
-    if (level == kEnd) {
-        return sign();
-    }
-    const std::span<const Operator> operators =
-        level < kComparisons ? kLogical[level] : kArithmetic[level - kComparisons - 1];
+    std::vector<ExpressionPtr> result;
+    do {
+        result.push_back(expression());
+    } while (tokens_.takeSymbol(u","));
+    return result;
+}
+
+template <typename Operators, typename Operand>
+ExpressionPtr ExpressionParser::chain(const Operators& operators, Operand operand)
+{
     const qsizetype begin = tokens_.begin();
-    ExpressionPtr left = binaryLevel(level + 1);
+    ExpressionPtr left = operand();
     for (int length = 1; const Operator* found = operatorAt(tokens_.peek(), operators); ++length) {
-        if (length >= kLongestChain) {
-            throw runtime::RunTimeError(runtime::ErrorNumber::QueryTooComplex);
-        }
+        requireChainOf(length);
         tokens_.take();
-        left = make(Binary{found->op, std::move(left), binaryLevel(level + 1)}, begin);
+        left = make(Binary{found->op, std::move(left), operand()}, begin);
     }
     return left;
 }
 
-ExpressionPtr ExpressionParser::notLevel()
+ExpressionPtr ExpressionParser::logical(std::size_t rank)
+{
+    return rank == kLogical.size() ? notCondition() : chain(kLogical[rank], [&] { return logical(rank + 1); });
+}
+
+ExpressionPtr ExpressionParser::arithmetic(std::size_t rank)
+{
+    return rank == kArithmetic.size() ? sign() : chain(kArithmetic[rank], [&] { return arithmetic(rank + 1); });
+}
+
+ExpressionPtr ExpressionParser::notCondition()
 {
     const qsizetype begin = tokens_.begin();
     if (tokens_.takeWord(u"not")) {
         const Deeper deeper(*this);
-        return make(NotCondition{notLevel()}, begin);
+        return make(NotCondition{notCondition()}, begin);
     }
     return comparison();
 }
@@ -118,14 +132,12 @@ ExpressionPtr ExpressionParser::notLevel()
 ExpressionPtr ExpressionParser::comparison()
 {
     const qsizetype begin = tokens_.begin();
-    ExpressionPtr left = binaryLevel(kLogical.size() + 1);
+    ExpressionPtr left = arithmetic();
     for (int length = 1;; ++length) {
-        if (length >= kLongestChain) {
-            throw runtime::RunTimeError(runtime::ErrorNumber::QueryTooComplex);
-        }
+        requireChainOf(length);
         if (const Operator* found = operatorAt(tokens_.peek(), kComparison)) {
             tokens_.take();
-            left = make(Binary{found->op, std::move(left), binaryLevel(kLogical.size() + 1)}, begin);
+            left = make(Binary{found->op, std::move(left), arithmetic()}, begin);
         } else if (tokens_.isWordOf({u"is", u"like", u"between", u"in", u"not"})) {
             left = comparisonTail(std::move(left), begin);
         } else {
@@ -143,13 +155,13 @@ ExpressionPtr ExpressionParser::comparisonTail(ExpressionPtr left, qsizetype beg
     }
     const bool negated = tokens_.takeWord(u"not");
     if (tokens_.takeWord(u"like")) {
-        ExpressionPtr like = make(Binary{Like, std::move(left), binaryLevel(kLogical.size() + 1)}, begin);
+        ExpressionPtr like = make(Binary{Like, std::move(left), arithmetic()}, begin);
         return negated ? make(NotCondition{std::move(like)}, begin) : std::move(like);
     }
     if (tokens_.takeWord(u"between")) {
-        ExpressionPtr low = binaryLevel(kLogical.size() + 1);
+        ExpressionPtr low = arithmetic();
         tokens_.expectWord(u"and");
-        ExpressionPtr high = binaryLevel(kLogical.size() + 1);
+        ExpressionPtr high = arithmetic();
         return make(Between{std::move(left), std::move(low), std::move(high), negated}, begin);
     }
     tokens_.expectWord(u"in");
@@ -160,14 +172,9 @@ ExpressionPtr ExpressionParser::inTail(ExpressionPtr value, bool negated, qsizet
 {
     tokens_.expectSymbol(u"(");
     if (atSubquery()) {
-        QueryPtr query = subquery();
-        tokens_.expectSymbol(u")");
-        return make(InQuery{std::move(value), std::move(query), negated}, begin);
+        return make(InQuery{std::move(value), subquery(), negated}, begin);
     }
-    InList in{std::move(value), {}, negated};
-    do {
-        in.list.push_back(expression());
-    } while (tokens_.takeSymbol(u","));
+    InList in{std::move(value), expressions(), negated};
     tokens_.expectSymbol(u")");
     return make(std::move(in), begin);
 }
@@ -189,10 +196,8 @@ ExpressionPtr ExpressionParser::power()
 {
     const qsizetype begin = tokens_.begin();
     ExpressionPtr left = primary();
-    for (int length = 1; tokens_.takeSymbol(kPower.front().text); ++length) {
-        if (length >= kLongestChain) {
-            throw runtime::RunTimeError(runtime::ErrorNumber::QueryTooComplex);
-        }
+    for (int length = 1; tokens_.takeSymbol(u"^"); ++length) {
+        requireChainOf(length);
         const bool signedExponent = tokens_.peek().isSymbol(u"-") || tokens_.peek().isSymbol(u"+");
         left = make(Binary{Power, std::move(left), signedExponent ? sign() : primary()}, begin);
     }
@@ -229,9 +234,7 @@ ExpressionPtr ExpressionParser::parenthesised()
     const qsizetype begin = tokens_.begin();
     tokens_.expectSymbol(u"(");
     if (atSubquery()) {
-        QueryPtr query = subquery();
-        tokens_.expectSymbol(u")");
-        return make(ScalarQuery{std::move(query)}, begin);
+        return make(ScalarQuery{subquery()}, begin);
     }
     ExpressionPtr inner = expression();
     tokens_.expectSymbol(u")");
@@ -252,9 +255,7 @@ ExpressionPtr ExpressionParser::nameOrCall()
     }
     if (opensCall && tokens_.takeWord(u"exists")) {
         tokens_.expectSymbol(u"(");
-        QueryPtr query = subquery();
-        tokens_.expectSymbol(u")");
-        return make(Exists{std::move(query)}, begin);
+        return make(Exists{subquery()}, begin);
     }
     if (opensCall && (!isReserved(tokens_.peek()) || tokens_.isWordOf({u"left", u"right"}))) {
         const QString function = tokens_.take().text;
@@ -278,9 +279,7 @@ ExpressionPtr ExpressionParser::call(const QString& function, qsizetype begin)
     if (tokens_.takeSymbol(u"*")) {
         result.star = true;
     } else if (!tokens_.peek().isSymbol(u")")) {
-        do {
-            result.arguments.push_back(expression());
-        } while (tokens_.takeSymbol(u","));
+        result.arguments = expressions();
     }
     tokens_.expectSymbol(u")");
     return make(std::move(result), begin);

@@ -6,7 +6,8 @@
 
 namespace data {
 
-/// Reads expressions from the tokens; subqueries are read by the parser of queries that derives from it.
+/// Reads expressions from the tokens; subqueries are read by the parser of queries that derives from it. A function
+/// named after an operator or a rank reads what binds at least as tightly.
 class ExpressionParser
 {
 public:
@@ -18,7 +19,11 @@ public:
 
 protected:
     ~ExpressionParser() = default;
+    /// Reads a query behind an opening bracket, and the closing one.
     [[nodiscard]] virtual QueryPtr subquery() = 0;
+
+    /// One expression, or several with commas between them.
+    [[nodiscard]] std::vector<ExpressionPtr> expressions();
 
     /// A name of a table, a column or an alias, in brackets or not.
     [[nodiscard]] QString name();
@@ -41,12 +46,15 @@ protected:
     };
 
 private:
-    struct Level;
-    ExpressionPtr binaryLevel(std::size_t level);
-    ExpressionPtr notLevel();
+    /// Operands with operators of one rank between them, grouped from the left.
+    template <typename Operators, typename Operand>
+    ExpressionPtr chain(const Operators& operators, Operand operand);
+    ExpressionPtr logical(std::size_t rank);
+    ExpressionPtr notCondition();
     ExpressionPtr comparison();
     ExpressionPtr comparisonTail(ExpressionPtr left, qsizetype begin);
     ExpressionPtr inTail(ExpressionPtr value, bool negated, qsizetype begin);
+    ExpressionPtr arithmetic(std::size_t rank = 0);
     ExpressionPtr sign();
     ExpressionPtr power();
     ExpressionPtr primary();

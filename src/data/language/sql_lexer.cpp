@@ -218,8 +218,8 @@ private:
             {u"*", u"*"},   {u"/", u"/"},   {u"\\", u"\\"}, {u"^", u"^"},   {u"&", u"&"},
             {u"(", u"("},   {u")", u")"},   {u",", u","},   {u".", u"."},   {u"!", u"."},
         }};
+        const QStringView here = QStringView(sql_).mid(position_, end_ - position_);
         for (const Symbol& symbol : kSymbols) {
-            const QStringView here = QStringView(sql_).mid(position_, end_ - position_);
             if (here.startsWith(symbol.written)) {
                 position_ += symbol.written.size();
                 Token token;

@@ -26,7 +26,9 @@ struct Token {
         End,
     };
     Kind kind = Kind::End;
-    QString text;         ///< Word, Bracketed, Text: without its marks; Symbol: as written, `=<` as `<=`
+    /// Word, Bracketed, Text: without its marks. Symbol: as written, but `=<` as `<=`, `=>` as `>=`, and `!` as the dot
+    /// that it stands for.
+    QString text;
     runtime::Value value; ///< Number: a whole number that fits 32 bits, or a double; Date: the date
     TextRange place;
 
@@ -40,7 +42,7 @@ struct Token {
 
 /// The tokens of the text, the last one being End. Blanks and semicolons at its end are dropped, and so is the null
 /// character with which stored queries end. Throws run-time error 3075 for a quote or bracket that is not closed, a
-/// malformed date, and characters that no statement has.
+/// malformed date, and characters that no statement has, and 6 for a number beyond a double's range.
 ///
 /// A text in quotes ends at the next quote of its kind that is not doubled. The dollar sign at the end of a function's
 /// name (`Left$`) is dropped.

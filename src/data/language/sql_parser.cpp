@@ -32,7 +32,12 @@ public:
     }
 
 private:
-    QueryPtr subquery() override { return std::make_unique<Query>(query()); }
+    QueryPtr subquery() override
+    {
+        auto result = std::make_unique<Query>(query());
+        tokens().expectSymbol(u")");
+        return result;
+    }
 
     runtime::RunTimeError unknownStatement()
     {
@@ -110,9 +115,7 @@ private:
         }
         if (tokens().takeWord(u"group")) {
             tokens().expectWord(u"by");
-            do {
-                result.groupBy.push_back(expression());
-            } while (tokens().takeSymbol(u","));
+            result.groupBy = expressions();
         }
         if (tokens().takeWord(u"having")) {
             result.having = expression();
@@ -129,18 +132,24 @@ private:
         } else if (tokens().peek().isWord(u"all") && !tokens().peek(1).isSymbol(u",")) {
             tokens().take();
         }
-        if (tokens().peek().isWord(u"top") && tokens().peek(1).kind == Token::Kind::Number) {
-            tokens().take();
-            Top top;
-            const runtime::Value value = tokens().take().value;
-            const qint32* whole = std::get_if<qint32>(&value);
-            top.percent = tokens().takeWord(u"percent");
-            if (whole == nullptr && !top.percent) {
-                throw tokens().errorHere();
-            }
-            top.count = whole != nullptr ? *whole : std::get<double>(value);
-            select.top = top;
+        select.top = top();
+    }
+
+    std::optional<Top> top()
+    {
+        if (!tokens().peek().isWord(u"top") || tokens().peek(1).kind != Token::Kind::Number) {
+            return std::nullopt;
         }
+        tokens().take();
+        const runtime::Value count = tokens().take().value;
+        const bool percent = tokens().takeWord(u"percent");
+        if (const qint32* whole = std::get_if<qint32>(&count)) {
+            return Top{static_cast<double>(*whole), percent};
+        }
+        if (!percent) {
+            throw tokens().errorHere();
+        }
+        return Top{std::get<double>(count), percent};
     }
 
     OutputItem outputItem()
@@ -251,7 +260,6 @@ private:
                 return inner;
             }
             DerivedSource derived{subquery(), {}};
-            tokens().expectSymbol(u")");
             derived.alias = alias();
             result->node = std::move(derived);
         } else {

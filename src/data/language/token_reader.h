@@ -8,17 +8,20 @@
 
 namespace data {
 
+/// The text must live as long as the reader.
 class TokenReader
 {
 public:
     explicit TokenReader(const QString& sql) : sql_(sql), tokens_(tokensOf(sql)) {}
 
     [[nodiscard]] const QString& sql() const { return sql_; }
+    /// The token at hand or one behind it; End when there is none.
     [[nodiscard]] const Token& peek(std::size_t ahead = 0) const
     {
         const std::size_t index = position_ + ahead;
         return index < tokens_.size() ? tokens_[index] : tokens_.back();
     }
+    /// The token at hand, which it passes unless it is End.
     const Token& take()
     {
         const Token& token = peek();
@@ -28,6 +31,7 @@ public:
         return token;
     }
 
+    // take...: passes that token where it is the one at hand. expect...: error 3075 where it is not.
     bool takeWord(QStringView word)
     {
         if (!peek().isWord(word)) {
@@ -56,6 +60,7 @@ public:
             throw errorHere();
         }
     }
+    /// Whether the token at hand is one of these words of the language.
     [[nodiscard]] bool isWordOf(std::initializer_list<QStringView> words) const
     {
         for (const QStringView word : words) {
@@ -66,6 +71,7 @@ public:
         return false;
     }
 
+    /// Where the token at hand stands.
     [[nodiscard]] qsizetype begin() const { return peek().place.begin; }
     /// From a place to the end of the token taken last.
     [[nodiscard]] TextRange since(qsizetype begin) const
