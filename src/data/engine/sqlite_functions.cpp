@@ -2,7 +2,7 @@
 
 #include "data/engine/sqlite_aggregates.h"
 #include "data/engine/sqlite_value.h"
-#include "data/language/translation.h"
+#include "data/language/catalogue.h"
 #include "jet/format/text_key.h"
 
 namespace data {

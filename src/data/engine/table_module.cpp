@@ -4,7 +4,7 @@
 #include "data/engine/sqlite_value.h"
 #include "data/engine/table_cursor.h"
 #include "data/engine/value_conversion.h"
-#include "data/language/translation.h"
+#include "data/types/expression_type.h"
 
 #include <algorithm>
 
@@ -91,7 +91,7 @@ QByteArray declarationOf(const TableBinding& binding)
         if (isNeverNull(static_cast<int>(i), binding.indexes)) {
             declared += QStringLiteral(" NOT NULL");
         }
-        sql += QStringLiteral("c%1 %2, ").arg(i).arg(declared);
+        sql += columnAlias(i) + u' ' + declared + QStringLiteral(", ");
     }
     return (sql + QStringLiteral("row INTEGER NOT NULL)")).toUtf8();
 }

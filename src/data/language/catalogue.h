@@ -10,9 +10,18 @@
 
 namespace data {
 
+/// The collation of texts: tables declare it, statements name it, and the connection registers it.
+inline const QString kTextCollation = QStringLiteral("jet_text");
+
+/// "c0" and so on: a column in SQLite, by its place.
+[[nodiscard]] inline QString columnAlias(std::size_t position)
+{
+    return u'c' + QString::number(position);
+}
+
 /// A table as a source of rows. SQLite knows it under generated names, so that no name of a file needs quoting: columns
-/// are c0, c1 ... in the order of `columns`, and the last one, `row`, is the row's address, which rises in the order of
-/// entry.
+/// are c0, c1 ... (columnAlias) in the order of `columns`, and the last one, `row`, is the row's address, which rises
+/// in the order of entry.
 struct SourceTable {
     QString name;    ///< as in the file
     QString sqlName; ///< as in SQLite

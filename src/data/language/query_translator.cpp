@@ -1,94 +1,26 @@
 #include "data/language/query_translator.h"
 
-#include "data/language/aggregates.h"
 #include "data/language/sql_error.h"
-
-#include <QLocale>
 
 #include <algorithm>
 
 namespace data {
 namespace {
 
-constexpr std::size_t kMostColumns = 1000;
-
-bool isGrouped(const Select& select, const std::vector<OrderItem>& orderBy)
+/// The table named before FROM; empty where none is. Throws TableToDeleteMissing where several are.
+QString targetOf(const Delete& statement)
 {
-    const bool aggregates = std::any_of(select.items.begin(), select.items.end(), [](const OutputItem& item) {
-        return item.expression != nullptr && containsAggregate(*item.expression);
-    });
-    const bool ordersByAggregates = std::any_of(
-        orderBy.begin(), orderBy.end(), [](const OrderItem& item) { return containsAggregate(*item.expression); });
-    return aggregates || ordersByAggregates || !select.groupBy.empty() || select.having != nullptr;
-}
-
-/// Whether a relation's term is one of k0, k1 ... and not of the columns that the query shows.
-bool isHidden(const OrderTerm& term)
-{
-    return term.sql.startsWith(u'k');
-}
-
-QString termSql(const OrderTerm& term)
-{
-    QString sql = term.sql;
-    if (term.isText) {
-        sql += QStringLiteral(" COLLATE ") + kTextCollation;
+    QString target;
+    for (const QString& name : statement.targets) {
+        target = target.isEmpty() ? name : target;
+        if (!name.isEmpty() && !isSameName(name, target)) {
+            throw runtime::RunTimeError(runtime::ErrorNumber::TableToDeleteMissing);
+        }
     }
-    return term.descending ? sql + QStringLiteral(" DESC") : sql;
+    return target;
 }
 
 } // namespace
-
-QString orderClause(const std::vector<OrderTerm>& terms)
-{
-    QStringList list;
-    for (const OrderTerm& term : terms) {
-        list.append(termSql(term));
-    }
-    return list.isEmpty() ? QString() : QStringLiteral(" ORDER BY ") + list.join(QStringLiteral(", "));
-}
-
-QString columnList(const Relation& relation, const QString& prefix)
-{
-    QStringList list;
-    for (std::size_t i = 0; i < relation.columns.size(); ++i) {
-        list.append(prefix + columnAlias(i));
-    }
-    return list.join(QStringLiteral(", "));
-}
-
-QString orderColumnList(const Relation& relation, const QString& prefix)
-{
-    QString list;
-    for (const OrderTerm& term : relation.order) {
-        if (isHidden(term)) {
-            list += QStringLiteral(", ") + prefix + term.sql;
-        }
-    }
-    return list;
-}
-
-std::vector<RowOrder> orderColumns(const Relation& relation)
-{
-    std::vector<RowOrder> order;
-    int hidden = static_cast<int>(relation.columns.size());
-    for (const OrderTerm& term : relation.order) {
-        order.push_back({isHidden(term) ? hidden++ : QStringView(term.sql).mid(1).toInt(), term.descending});
-    }
-    return order;
-}
-
-struct QueryTranslator::Draft {
-    const Select* select = nullptr;
-    QString from;
-    QString where;
-    QString having;
-    std::vector<TypedSql> groups;
-    bool grouped = false;
-    std::vector<Output> outputs;
-    std::vector<OrderTerm> order; ///< by the select's own expressions
-    std::size_t explicitTerms = 0;
-};
 
 Relation QueryTranslator::query(const Query& query, Scope* outer)
 {
@@ -100,265 +32,41 @@ Relation QueryTranslator::subquery(const Query& query, Scope& scope)
     return this->query(query, &scope);
 }
 
-Relation QueryTranslator::select(const Select& select, const std::vector<OrderItem>& orderBy, Scope* outer)
+Relation QueryTranslator::named(const QString& name)
+{
+    Select all;
+    all.items.emplace_back();
+    all.from.push_back(std::make_unique<FromItem>());
+    all.from.back()->node = NamedSource{name, {}};
+    return select(all, {}, nullptr);
+}
+
+Relation QueryTranslator::rowsToDelete(const Delete& statement)
 {
     Scope scope;
-    scope.outer = outer;
-    Draft draft;
-    draft.select = &select;
-    draft.from = sourcesOf(select.from, scope);
-    if (select.where != nullptr) {
-        draft.where = condition(*select.where, scope).sql;
+    const QString from = sourcesOf(statement.from, scope);
+    const QString target = targetOf(statement);
+    const auto source = std::find_if(scope.sources.begin(), scope.sources.end(), [&](const Source& candidate) {
+        return target.isEmpty() || isSameName(candidate.name, target);
+    });
+    if (source == scope.sources.end()) {
+        throw unknownTableOrQuery(target);
     }
-    draft.grouped = isGrouped(select, orderBy);
-    for (const ExpressionPtr& expression : select.groupBy) {
-        const TypedSql key = value(*expression, scope);
-        draft.groups.push_back(key);
-        scope.groupKeys.push_back(key.sql);
+    if (target.isEmpty() && scope.sources.size() > 1) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::TableToDeleteMissing);
     }
-    scope.aliases = &select.items;
-    scope.perGroup = draft.grouped;
-    scope.aggregatesAllowed = true;
-    draft.outputs = outputs(select, scope);
-    if (select.having != nullptr) {
-        draft.having = condition(*select.having, scope).sql;
+    if (!source->rows) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::ReadOnly)
+            .withHint(QStringLiteral("Records of '%1' cannot be deleted because it is no table.").arg(source->name));
     }
-    draft.order = explicitOrder(orderBy, draft.outputs, scope);
-    draft.explicitTerms = draft.order.size();
-    completeOrder(draft, scope);
-    Relation relation = assembled(draft, scope);
-    return select.top ? top(std::move(relation), *select.top, draft.explicitTerms) : relation;
-}
-
-/// SQLite takes a whole number in GROUP BY for the position of a column.
-QString QueryTranslator::groupTerm(const TypedSql& key)
-{
-    if (key.literal && key.type.isWhole()) {
-        return QStringLiteral("CAST(%1 AS INTEGER)").arg(key.sql);
-    }
-    return key.type.isText() ? collated(key) : key.sql;
-}
-
-// --- Output columns ----------------------------------------------------------------------------------------------
-
-std::vector<QueryTranslator::Output> QueryTranslator::outputs(const Select& select, Scope& scope)
-{
-    std::vector<Output> result;
-    for (const OutputItem& item : select.items) {
-        if (item.expression != nullptr) {
-            TypedSql sql = value(*item.expression, scope);
-            result.push_back({outputName(item, result), std::move(sql)});
-        } else if (scope.perGroup) {
-            throw expressionError(QStringLiteral("Cannot group on all columns"), *state().sql, item.place);
-        } else {
-            addAllColumns(item, scope, result);
-        }
-    }
-    if (result.size() > kMostColumns) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::QueryTooComplex);
-    }
-    return result;
-}
-
-void QueryTranslator::addAllColumns(const OutputItem& item, const Scope& scope, std::vector<Output>& outputs) const
-{
-    bool found = false;
-    for (const Source& source : scope.sources) {
-        if (!item.source.isEmpty() && !isSameName(source.name, item.source)) {
-            continue;
-        }
-        found = true;
-        for (const Source::Column& column : source.columns) {
-            // A name that several sources have is told apart by the source.
-            const bool repeated =
-                item.source.isEmpty() &&
-                std::any_of(scope.sources.begin(), scope.sources.end(), [&](const Source& other) {
-                    return &other != &source && std::any_of(other.columns.begin(), other.columns.end(),
-                                                            [&](const Source::Column& candidate) {
-                                                                return isSameName(candidate.name, column.name);
-                                                            });
-                });
-            outputs.push_back({repeated ? source.name + u'.' + column.name : column.name,
-                               {.sql = column.sql, .type = column.type, .baseColumn = column.baseColumn}});
-        }
-    }
-    if (!found) {
-        throw item.source.isEmpty() ? syntaxError(*state().sql, item.place.begin) : unknownTableOrQuery(item.source);
-    }
-}
-
-/// A column without an alias is called like the column that it is; with its table's name in front where that is taken;
-/// and everything else Expr1000 and so on, by its place.
-QString QueryTranslator::outputName(const OutputItem& item, const std::vector<Output>& before)
-{
-    const auto isTaken = [&](const QString& name) {
-        return std::any_of(before.begin(), before.end(),
-                           [&](const Output& output) { return isSameName(output.name, name); });
-    };
-    if (!item.alias.isEmpty()) {
-        if (isTaken(item.alias)) {
-            throw runtime::RunTimeError(runtime::ErrorNumber::DuplicateOutputName,
-                                        QStringLiteral("Duplicate output alias '%1'.").arg(item.alias));
-        }
-        return item.alias;
-    }
-    if (const auto* column = std::get_if<ColumnName>(&item.expression->node)) {
-        const QString full = column->source.isEmpty() ? column->name : column->source + u'.' + column->name;
-        for (const QString& name : {column->name, full}) {
-            if (!isTaken(name)) {
-                return name;
-            }
-        }
-    }
-    return QStringLiteral("Expr%1").arg(1000 + before.size());
-}
-
-// --- Order -------------------------------------------------------------------------------------------------------
-
-std::vector<OrderTerm> QueryTranslator::explicitOrder(const std::vector<OrderItem>& orderBy,
-                                                      const std::vector<Output>& outputs, Scope& scope)
-{
-    std::vector<OrderTerm> terms;
-    for (const OrderItem& item : orderBy) {
-        TypedSql sql;
-        const auto* literal = std::get_if<Literal>(&item.expression->node);
-        const qint32* position = literal != nullptr ? std::get_if<qint32>(&literal->value) : nullptr;
-        if (position != nullptr) {
-            if (*position < 1 || static_cast<std::size_t>(*position) > outputs.size()) {
-                throw expressionError(QStringLiteral("Unknown column number"), *state().sql, item.expression->place);
-            }
-            sql = outputs[static_cast<std::size_t>(*position) - 1].sql;
-        } else {
-            sql = value(*item.expression, scope);
-        }
-        terms.push_back({wrapped(sql, Rank::Atom), item.descending, sql.type.isText()});
-    }
-    return terms;
-}
-
-/// Rows that the statement leaves equal keep an order that does not depend on the plan: grouped and distinct rows by
-/// their keys, all others by the sources' own order, which ends in the order of entry.
-void QueryTranslator::completeOrder(Draft& draft, const Scope& scope) const
-{
-    const auto add = [&](const OrderTerm& term) {
-        const bool there = std::any_of(draft.order.begin(), draft.order.end(),
-                                       [&](const OrderTerm& known) { return known.sql == term.sql; });
-        if (!there) {
-            draft.order.push_back(term);
-        }
-    };
-    if (draft.select->distinct) {
-        for (const Output& output : draft.outputs) {
-            add({wrapped(output.sql, Rank::Atom), false, output.sql.type.isText()});
-        }
-    } else if (draft.grouped) {
-        for (const TypedSql& group : draft.groups) {
-            add({wrapped(group, Rank::Atom), false, group.type.isText()});
-        }
-    } else {
-        for (const Source& source : scope.sources) {
-            std::for_each(source.order.begin(), source.order.end(), add);
-        }
-    }
-}
-
-// --- The whole select --------------------------------------------------------------------------------------------
-
-/// DISTINCTROW: one row for each combination of rows of the tables that are shown. It matters only where a table is
-/// joined of which nothing is shown.
-QString QueryTranslator::distinctRowGroups(const std::vector<Output>& outputs, const Scope& scope) const
-{
-    QStringList addresses;
-    for (const Source& source : scope.sources) {
-        const bool shown = std::any_of(outputs.begin(), outputs.end(), [&](const Output& output) {
-            return std::any_of(source.columns.begin(), source.columns.end(),
-                               [&](const Source::Column& column) { return output.sql.sql.contains(column.sql); });
-        });
-        if (!shown) {
-            continue;
-        }
-        if (!source.rows) {
-            return {};
-        }
-        addresses.append(source.rows->address);
-    }
-    return static_cast<std::size_t>(addresses.size()) < scope.sources.size() ? addresses.join(QStringLiteral(", "))
-                                                                             : QString();
-}
-
-Relation QueryTranslator::assembled(const Draft& draft, const Scope& scope) const
-{
-    const Select& select = *draft.select;
     Relation relation;
-    QStringList list;
-    for (std::size_t i = 0; i < draft.outputs.size(); ++i) {
-        const Output& output = draft.outputs[i];
-        const bool collate = select.distinct && output.sql.type.isText();
-        list.append((collate ? collated(output.sql) : output.sql.sql) + QStringLiteral(" AS ") + columnAlias(i));
-        relation.columns.push_back({output.name, output.sql.type, output.sql.baseColumn});
+    const QString address = orderAlias(0);
+    relation.rows = BaseRows{source->rows->table, address};
+    relation.order.push_back({address});
+    relation.sql = QStringLiteral("SELECT DISTINCT %1 AS %2 FROM %3").arg(source->rows->address, address, from);
+    if (statement.where != nullptr) {
+        relation.sql += QStringLiteral(" WHERE ") + condition(*statement.where, scope).sql;
     }
-    std::size_t keys = 0;
-    for (const OrderTerm& term : draft.order) {
-        const auto output = std::find_if(draft.outputs.begin(), draft.outputs.end(), [&](const Output& candidate) {
-            return wrapped(candidate.sql, Rank::Atom) == term.sql;
-        });
-        OrderTerm outside = term;
-        if (output != draft.outputs.end()) {
-            outside.sql = columnAlias(static_cast<std::size_t>(output - draft.outputs.begin()));
-        } else if (select.distinct) {
-            throw runtime::RunTimeError(runtime::ErrorNumber::QuerySyntax,
-                                        QStringLiteral("ORDER BY clause conflicts with DISTINCT."));
-        } else {
-            outside.sql = orderAlias(keys++);
-            list.append(term.sql + QStringLiteral(" AS ") + outside.sql);
-        }
-        const bool isAddress =
-            scope.sources.size() == 1 && scope.sources.front().rows && term.sql == scope.sources.front().rows->address;
-        if (isAddress && !draft.grouped && !select.distinct) {
-            relation.rows = BaseRows{scope.sources.front().rows->table, outside.sql};
-        }
-        relation.order.push_back(outside);
-    }
-
-    relation.sql = (select.distinct ? QStringLiteral("SELECT DISTINCT ") : QStringLiteral("SELECT ")) +
-                   list.join(QStringLiteral(", "));
-    const auto clause = [&](const char* word, const QString& content) {
-        if (!content.isEmpty()) {
-            relation.sql += QLatin1String(word) + content;
-        }
-    };
-    clause(" FROM ", draft.from);
-    clause(" WHERE ", draft.where);
-    if (!draft.groups.empty()) {
-        QStringList groups;
-        for (const TypedSql& group : draft.groups) {
-            groups.append(groupTerm(group));
-        }
-        clause(" GROUP BY ", groups.join(QStringLiteral(", ")));
-    } else if (select.distinctRow && !draft.grouped) {
-        clause(" GROUP BY ", distinctRowGroups(draft.outputs, scope));
-    }
-    clause(" HAVING ", draft.having);
-    return relation;
-}
-
-/// The first rows of the order asked for, with all that are equal to the last of them; without an order, just so many.
-Relation QueryTranslator::top(Relation relation, const Top& top, std::size_t explicitTerms)
-{
-    std::vector<OrderTerm> terms = relation.order;
-    QString rank = QStringLiteral("row_number()");
-    if (explicitTerms > 0) {
-        terms.resize(explicitTerms);
-        rank = QStringLiteral("rank()");
-    }
-    const QString limit = QString::number(top.count, 'f', QLocale::FloatingPointShortest);
-    const QString condition = top.percent ? QStringLiteral("(place - 1) * 100.0 < total * %1").arg(limit)
-                                          : QStringLiteral("place <= %1").arg(limit);
-    const QString columns = columnList(relation) + orderColumnList(relation);
-    relation.sql =
-        QStringLiteral("SELECT %1 FROM (SELECT *, %2 OVER (%3) AS place, count(*) OVER () AS total FROM (%4)) "
-                       "WHERE %5")
-            .arg(columns, rank, orderClause(terms), relation.sql, condition);
     return relation;
 }
 

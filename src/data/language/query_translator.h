@@ -2,7 +2,6 @@
 #pragma once
 
 #include "data/language/expression_translator.h"
-#include "data/language/sql_translator.h"
 
 namespace data {
 
@@ -28,7 +27,17 @@ private:
         Relation relation;
     };
     /// A select on its way: its parts in SQL before they are put together.
-    struct Draft;
+    struct Draft {
+        bool distinct = false;
+        bool distinctRow = false;
+        bool grouped = false;
+        std::vector<Output> outputs;
+        QString from;
+        QString where;
+        std::vector<TypedSql> groups;
+        QString having;
+        std::vector<OrderTerm> order; ///< by the select's own expressions
+    };
 
     Relation subquery(const Query& query, Scope& scope) override;
 
@@ -42,17 +51,18 @@ private:
     CommonTable savedQuery(const QString& name, const QString& text);
     QString nextAlias();
 
-    // One select
+    // One select (select_translator.cpp)
     Relation select(const Select& select, const std::vector<OrderItem>& orderBy, Scope* outer);
-    [[nodiscard]] static QString groupTerm(const TypedSql& key);
     std::vector<Output> outputs(const Select& select, Scope& scope);
     void addAllColumns(const OutputItem& item, const Scope& scope, std::vector<Output>& outputs) const;
     [[nodiscard]] static QString outputName(const OutputItem& item, const std::vector<Output>& before);
     std::vector<OrderTerm> explicitOrder(const std::vector<OrderItem>& orderBy, const std::vector<Output>& outputs,
                                          Scope& scope);
-    void completeOrder(Draft& draft, const Scope& scope) const;
-    [[nodiscard]] QString distinctRowGroups(const std::vector<Output>& outputs, const Scope& scope) const;
-    [[nodiscard]] Relation assembled(const Draft& draft, const Scope& scope) const;
+    static void completeOrder(Draft& draft, const Scope& scope);
+    [[nodiscard]] static QString clausesOf(const Draft& draft, const Scope& scope);
+    [[nodiscard]] static QString groupTerms(const Draft& draft, const Scope& scope);
+    [[nodiscard]] static QString distinctRowGroups(const std::vector<Output>& outputs, const Scope& scope);
+    [[nodiscard]] static Relation assembled(const Draft& draft, const Scope& scope);
     [[nodiscard]] static Relation top(Relation relation, const Top& top, std::size_t explicitTerms);
 
     // Unions (union_translator.cpp)
@@ -60,16 +70,7 @@ private:
     /// A part with the columns of the union and, behind them, the terms that keep its order.
     [[nodiscard]] static QString unionPart(const Relation& part, const std::vector<RelationColumn>& columns,
                                            const QStringList& order);
-    Relation ordered(Relation relation, const std::vector<OrderItem>& orderBy);
+    Relation ordered(const Relation& relation, const std::vector<OrderItem>& orderBy);
 };
-
-/// " ORDER BY ..." or nothing.
-[[nodiscard]] QString orderClause(const std::vector<OrderTerm>& terms);
-/// "c0, c1, c2", each with a prefix where one is given.
-[[nodiscard]] QString columnList(const Relation& relation, const QString& prefix = {});
-/// ", k0, k1".
-[[nodiscard]] QString orderColumnList(const Relation& relation, const QString& prefix = {});
-/// Where the terms of the order stand in a SELECT of columnList and, behind it, orderColumnList.
-[[nodiscard]] std::vector<RowOrder> orderColumns(const Relation& relation);
 
 } // namespace data

@@ -1,9 +1,7 @@
-// What stands behind FROM, and whose rows a DELETE takes: the part of QueryTranslator that knows sources.
+// What stands behind FROM: the part of QueryTranslator that knows sources.
 #include "data/language/query_translator.h"
 #include "data/language/sql_error.h"
 #include "data/language/sql_parser.h"
-
-#include <algorithm>
 
 namespace data {
 namespace {
@@ -16,71 +14,6 @@ constexpr qsizetype kMostQueries = 60;
 QString QueryTranslator::nextAlias()
 {
     return u'q' + QString::number(++state().sources);
-}
-
-Relation QueryTranslator::named(const QString& name)
-{
-    Scope scope;
-    const QString from = namedSource({name, {}}, scope);
-    const Source& source = scope.sources.front();
-    Relation relation;
-    QStringList list;
-    for (const Source::Column& column : source.columns) {
-        list.append(column.sql + QStringLiteral(" AS ") + columnAlias(relation.columns.size()));
-        relation.columns.push_back({column.name, column.type, column.baseColumn});
-    }
-    for (const OrderTerm& term : source.order) {
-        OrderTerm outside = term;
-        const auto shown = std::find_if(source.columns.begin(), source.columns.end(),
-                                        [&](const Source::Column& column) { return column.sql == term.sql; });
-        if (shown != source.columns.end()) {
-            outside.sql = columnAlias(static_cast<std::size_t>(shown - source.columns.begin()));
-        } else {
-            outside.sql = orderAlias(relation.order.size());
-            list.append(term.sql + QStringLiteral(" AS ") + outside.sql);
-        }
-        if (source.rows && source.rows->address == term.sql) {
-            relation.rows = BaseRows{source.rows->table, outside.sql};
-        }
-        relation.order.push_back(outside);
-    }
-    relation.sql = QStringLiteral("SELECT %1 FROM %2").arg(list.join(QStringLiteral(", ")), from);
-    return relation;
-}
-
-Relation QueryTranslator::rowsToDelete(const Delete& statement)
-{
-    Scope scope;
-    const QString from = sourcesOf(statement.from, scope);
-    QString target;
-    for (const QString& name : statement.targets) {
-        target = target.isEmpty() ? name : target;
-        if (!name.isEmpty() && !isSameName(name, target)) {
-            throw runtime::RunTimeError(runtime::ErrorNumber::TableToDeleteMissing);
-        }
-    }
-    const auto source = std::find_if(scope.sources.begin(), scope.sources.end(), [&](const Source& candidate) {
-        return target.isEmpty() || isSameName(candidate.name, target);
-    });
-    if (source == scope.sources.end()) {
-        throw unknownTableOrQuery(target);
-    }
-    if (target.isEmpty() && scope.sources.size() > 1) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::TableToDeleteMissing);
-    }
-    if (!source->rows) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::ReadOnly)
-            .withHint(QStringLiteral("Records of '%1' cannot be deleted because it is no table.").arg(source->name));
-    }
-    Relation relation;
-    const QString address = orderAlias(0);
-    relation.rows = BaseRows{source->rows->table, address};
-    relation.order.push_back({address});
-    relation.sql = QStringLiteral("SELECT DISTINCT %1 AS %2 FROM %3").arg(source->rows->address, address, from);
-    if (statement.where != nullptr) {
-        relation.sql += QStringLiteral(" WHERE ") + condition(*statement.where, scope).sql;
-    }
-    return relation;
 }
 
 QString QueryTranslator::sourcesOf(const std::vector<FromItemPtr>& items, Scope& scope)

@@ -32,11 +32,22 @@ SqlText addressesOf(const TranslationState& state, const Relation& relation)
     return textOf(state, relation.rows->address, source);
 }
 
+/// Where the terms of the order stand in columnList().
+std::vector<RowOrder> orderColumns(const Relation& relation)
+{
+    std::vector<RowOrder> order;
+    int hidden = static_cast<int>(relation.columns.size());
+    for (const OrderTerm& term : relation.order) {
+        order.push_back({isHidden(term) ? hidden++ : QStringView(term.sql).mid(1).toInt(), term.descending});
+    }
+    return order;
+}
+
 TranslatedQuery finished(const TranslationState& state, const Relation& relation)
 {
     requireKnownNames(state);
     TranslatedQuery result;
-    result.rows = textOf(state, columnList(relation) + orderColumnList(relation), u'(' + relation.sql + u')');
+    result.rows = textOf(state, columnList(relation), u'(' + relation.sql + u')');
     result.order = orderColumns(relation);
     for (const RelationColumn& column : relation.columns) {
         result.columns.push_back({column.name, column.type});

@@ -5,9 +5,8 @@
 // v2 .... Texts and fractions are bound as parameters ?1, ?2 ..., so that no quoting and no rounding can change them.
 #pragma once
 
-#include "data/language/catalogue.h"
+#include "data/language/relation.h"
 #include "data/language/sql_ast.h"
-#include "data/types/expression_type.h"
 
 #include <QStringList>
 
@@ -16,8 +15,6 @@
 #include <vector>
 
 namespace data {
-
-inline const QString kTextCollation = QStringLiteral("jet_text");
 
 /// How tightly the outermost operator of an SQL expression binds.
 enum class Rank { Or, And, Not, Comparison, Sum, Product, Atom };
@@ -37,43 +34,6 @@ struct TypedSql {
 {
     return {.sql = std::move(sql), .type = typeOf(FieldType::Boolean), .rank = rank, .isCondition = true};
 }
-
-/// The names under which a relation yields its columns and the terms of its order that it does not show.
-[[nodiscard]] inline QString columnAlias(std::size_t position)
-{
-    return u'c' + QString::number(position);
-}
-[[nodiscard]] inline QString orderAlias(std::size_t position)
-{
-    return u'k' + QString::number(position);
-}
-
-struct OrderTerm {
-    QString sql;
-    bool descending = false;
-    bool isText = false;
-};
-
-/// The rows of one table behind a relation: where each row's address is found.
-struct BaseRows {
-    const SourceTable* table = nullptr;
-    QString address; ///< SQL
-};
-
-struct RelationColumn {
-    QString name;
-    ExpressionType type;
-    int baseColumn = -1; ///< position in BaseRows::table
-};
-
-/// A SELECT without ORDER BY that yields c0, c1 ... and k0, k1 ... (columnAlias, orderAlias), and the order in which
-/// its rows count.
-struct Relation {
-    QString sql;
-    std::vector<RelationColumn> columns;
-    std::vector<OrderTerm> order; ///< by names of its own columns
-    std::optional<BaseRows> rows;
-};
 
 /// A table, a saved query or a query in parentheses behind FROM.
 struct Source {

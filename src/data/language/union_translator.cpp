@@ -21,7 +21,7 @@ QStringList orderOf(const Relation& part)
     }
     QStringList terms;
     for (const OrderTerm& term : part.order) {
-        terms.append(term.isText ? term.sql + QStringLiteral(" COLLATE ") + kTextCollation : term.sql);
+        terms.append(termSql(term));
     }
     return terms;
 }
@@ -91,7 +91,7 @@ Relation QueryTranslator::unionOf(const Query& query, Scope* outer)
             result.order.push_back({columnAlias(i), false, result.columns[i].type.isText()});
         }
     }
-    return query.orderBy.empty() ? result : ordered(std::move(result), query.orderBy);
+    return query.orderBy.empty() ? result : ordered(result, query.orderBy);
 }
 
 QString QueryTranslator::unionPart(const Relation& part, const std::vector<RelationColumn>& columns,
@@ -112,30 +112,19 @@ QString QueryTranslator::unionPart(const Relation& part, const std::vector<Relat
 }
 
 /// ORDER BY behind a union names columns of its first part.
-Relation QueryTranslator::ordered(Relation relation, const std::vector<OrderItem>& orderBy)
+Relation QueryTranslator::ordered(const Relation& relation, const std::vector<OrderItem>& orderBy)
 {
     const QString alias = nextAlias();
     Scope scope;
     scope.sources.push_back(relationSource(relation, alias));
-    std::vector<Output> outputs;
-    Relation result;
-    QStringList list;
-    for (std::size_t i = 0; i < relation.columns.size(); ++i) {
-        const TypedSql sql{scope.sources.front().columns[i].sql, relation.columns[i].type};
-        outputs.push_back({relation.columns[i].name, sql});
-        list.append(sql.sql + QStringLiteral(" AS ") + columnAlias(i));
+    Draft draft;
+    draft.from = QStringLiteral("(%1) AS %2").arg(relation.sql, alias);
+    for (const Source::Column& column : scope.sources.front().columns) {
+        draft.outputs.push_back({column.name, {column.sql, column.type}});
     }
-    result.columns = relation.columns;
-    std::vector<OrderTerm> terms = explicitOrder(orderBy, outputs, scope);
-    terms.insert(terms.end(), scope.sources.front().order.begin(), scope.sources.front().order.end());
-    for (OrderTerm& term : terms) {
-        const QString name = orderAlias(result.order.size());
-        list.append(term.sql + QStringLiteral(" AS ") + name);
-        term.sql = name;
-        result.order.push_back(term);
-    }
-    result.sql = QStringLiteral("SELECT %1 FROM (%2) AS %3").arg(list.join(QStringLiteral(", ")), relation.sql, alias);
-    return result;
+    draft.order = explicitOrder(orderBy, draft.outputs, scope);
+    completeOrder(draft, scope);
+    return assembled(draft, scope);
 }
 
 } // namespace data
