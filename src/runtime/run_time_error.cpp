@@ -84,8 +84,11 @@ QString usualWords(ErrorNumber number)
         return QStringLiteral("Invalid operation.");
     case ErrorNumber::ItemNotFound:
         return QStringLiteral("Item not found in this collection.");
+    case ErrorNumber::SubqueryOfSeveralFields:
+        return QStringLiteral("Only one field can be selected by a subquery that stands for a value.");
     case ErrorNumber::UnionColumnsDiffer:
-        return QStringLiteral("The number of columns in the queries of a union do not match.");
+        return QStringLiteral("The number of columns in the two selected tables or queries of a union query do not "
+                              "match.");
     case ErrorNumber::UnrecognisedFormat:
         return QStringLiteral("Unrecognized database format.");
     case ErrorNumber::MoreThanOneRecord:

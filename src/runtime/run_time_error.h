@@ -48,6 +48,7 @@ enum class ErrorNumber {
     RelatedRecordRequired = 3201,
     InvalidOperation = 3219,
     ItemNotFound = 3265,
+    SubqueryOfSeveralFields = 3306,
     UnionColumnsDiffer = 3307,
     UnrecognisedFormat = 3343,
     MoreThanOneRecord = 3354,

@@ -253,6 +253,14 @@ TEST_F(SelectStatement, SubqueriesInListsExistsAndFrom)
         SQL("1, 90.0 | 2, 200.0 | 3, 400.0 | 4, null"));
 }
 
+TEST_F(SelectStatement, ASubqueryThatStandsForAValueHasOneColumn)
+{
+    EXPECT_EQ(errorOf(SQL("SELECT MealNo FROM Meals WHERE MealNo In (SELECT Quantity, MealID FROM MealContent)")),
+              3306);
+    EXPECT_EQ(errorOf(SQL("SELECT MealNo FROM Meals WHERE MealNo Not In (SELECT * FROM MealContent)")), 3306);
+    EXPECT_EQ(errorOf(SQL("SELECT (SELECT TOP 1 MealNo, MealTime FROM Meals) FROM Meals")), 3306);
+}
+
 TEST_F(SelectStatement, OrderGoesByPositionAliasOrExpression)
 {
     EXPECT_EQ(rows(SQL("SELECT MealNo, [Insulin Dosage] AS d FROM Meals ORDER BY 2")),

@@ -7,6 +7,50 @@
 #include <array>
 
 namespace data {
+namespace {
+
+/// The column that the name means, or null. Throws AmbiguousField where several sources have it.
+const Source::Column* columnNamed(const ColumnName& name, const std::vector<Source>& sources)
+{
+    const Source::Column* found = nullptr;
+    for (const Source& source : sources) {
+        if (!name.source.isEmpty() && !isSameName(source.name, name.source)) {
+            continue;
+        }
+        for (const Source::Column& candidate : source.columns) {
+            if (!isSameName(candidate.name, name.name)) {
+                continue;
+            }
+            if (found != nullptr) {
+                throw runtime::RunTimeError(
+                    runtime::ErrorNumber::AmbiguousField,
+                    QStringLiteral("The specified field '%1' could refer to more than one table listed in the FROM "
+                                   "clause of your SQL statement.")
+                        .arg(name.name));
+            }
+            found = &candidate;
+        }
+    }
+    return found;
+}
+
+/// The output column whose alias the name is, or null.
+const OutputItem* aliasNamed(const ColumnName& name, const Scope& scope)
+{
+    if (scope.aliases == nullptr || !name.source.isEmpty()) {
+        return nullptr;
+    }
+    const auto found = std::find_if(scope.aliases->begin(), scope.aliases->end(),
+                                    [&](const OutputItem& item) { return isSameName(item.alias, name.name); });
+    return found == scope.aliases->end() ? nullptr : &*found;
+}
+
+bool isGroupKey(const QString& sql, const Scope& scope)
+{
+    return std::find(scope.groupKeys.begin(), scope.groupKeys.end(), sql) != scope.groupKeys.end();
+}
+
+} // namespace
 
 using runtime::Value;
 
@@ -69,10 +113,8 @@ TypedSql ExpressionTranslator::translated(const Expression& expression, Scope& s
         !containsAggregate(expression)) {
         const PerRow perRow(scope);
         TypedSql candidate = plain(expression, scope);
-        for (const QString& key : scope.groupKeys) {
-            if (candidate.sql == key) {
-                return candidate;
-            }
+        if (isGroupKey(candidate.sql, scope)) {
+            return candidate;
         }
     }
     return plain(expression, scope);
@@ -147,28 +189,8 @@ TypedSql ExpressionTranslator::literal(const Value& value)
 TypedSql ExpressionTranslator::column(const ColumnName& name, const Expression& expression, Scope& scope)
 {
     for (Scope* here = &scope; here != nullptr; here = here->outer) {
-        const Source::Column* found = nullptr;
-        for (const Source& source : here->sources) {
-            if (!name.source.isEmpty() && !isSameName(source.name, name.source)) {
-                continue;
-            }
-            for (const Source::Column& candidate : source.columns) {
-                if (!isSameName(candidate.name, name.name)) {
-                    continue;
-                }
-                if (found != nullptr) {
-                    throw runtime::RunTimeError(
-                        runtime::ErrorNumber::AmbiguousField,
-                        QStringLiteral("The specified field '%1' could refer to more than one table listed in the FROM "
-                                       "clause of your SQL statement.")
-                            .arg(name.name));
-                }
-                found = &candidate;
-            }
-        }
-        if (found != nullptr) {
-            if (here->perGroup &&
-                std::find(here->groupKeys.begin(), here->groupKeys.end(), found->sql) == here->groupKeys.end()) {
+        if (const Source::Column* found = columnNamed(name, here->sources)) {
+            if (here->perGroup && !isGroupKey(found->sql, *here)) {
                 throw runtime::RunTimeError(
                     runtime::ErrorNumber::NotPartOfAggregate,
                     QStringLiteral("You tried to execute a query that does not include the specified expression '%1' "
@@ -177,12 +199,8 @@ TypedSql ExpressionTranslator::column(const ColumnName& name, const Expression& 
             }
             return {.sql = found->sql, .type = found->type, .baseColumn = found->baseColumn};
         }
-        if (name.source.isEmpty() && here->aliases != nullptr) {
-            for (const OutputItem& item : *here->aliases) {
-                if (isSameName(item.alias, name.name)) {
-                    return alias(item, *here);
-                }
-            }
+        if (const OutputItem* item = aliasNamed(name, *here)) {
+            return alias(*item, *here);
         }
     }
     const QString full = name.source.isEmpty() ? name.name : name.source + u'.' + name.name;
@@ -230,29 +248,39 @@ TypedSql ExpressionTranslator::inList(const InList& in, Scope& scope)
         texts = texts || item.type.isText();
         list.append(item.sql);
     }
-    const QString symbol = in.negated ? QStringLiteral(" NOT IN (") : QStringLiteral(" IN (");
-    return truth((texts ? collated(tested) : wrapped(tested, Rank::Sum)) + symbol + list.join(QStringLiteral(", ")) +
-                     u')',
-                 Rank::Comparison);
+    return membership(tested, texts, in.negated, list.join(QStringLiteral(", ")));
 }
 
 TypedSql ExpressionTranslator::inQuery(const InQuery& in, Scope& scope)
 {
     const TypedSql tested = value(*in.value, scope);
-    const Relation relation = subquery(*in.query, scope);
+    const Relation relation = subqueryOfOneColumn(*in.query, scope);
     const ExpressionType type = relation.columns.front().type;
     requireComparable(tested.type, type);
-    const bool texts = tested.type.isText() || type.isText();
-    const QString symbol = in.negated ? QStringLiteral(" NOT IN (") : QStringLiteral(" IN (");
-    return truth((texts ? collated(tested) : wrapped(tested, Rank::Sum)) + symbol +
-                     QStringLiteral("SELECT c0 FROM (%1))").arg(relation.sql),
+    return membership(tested, tested.type.isText() || type.isText(), in.negated,
+                      QStringLiteral("SELECT c0 FROM (%1)").arg(relation.sql));
+}
+
+TypedSql ExpressionTranslator::membership(const TypedSql& tested, bool asTexts, bool negated, const QString& candidates)
+{
+    return truth((asTexts ? collated(tested) : wrapped(tested, Rank::Sum)) +
+                     (negated ? QStringLiteral(" NOT IN (") : QStringLiteral(" IN (")) + candidates + u')',
                  Rank::Comparison);
 }
 
 TypedSql ExpressionTranslator::scalarQuery(const ScalarQuery& scalar, Scope& scope)
 {
-    const Relation relation = subquery(*scalar.query, scope);
+    const Relation relation = subqueryOfOneColumn(*scalar.query, scope);
     return {QStringLiteral("(SELECT agg_single(c0) FROM (%1))").arg(relation.sql), relation.columns.front().type};
+}
+
+Relation ExpressionTranslator::subqueryOfOneColumn(const Query& query, Scope& scope)
+{
+    Relation relation = subquery(query, scope);
+    if (relation.columns.size() != 1) {
+        throw runtime::RunTimeError(runtime::ErrorNumber::SubqueryOfSeveralFields);
+    }
+    return relation;
 }
 
 } // namespace data

@@ -52,7 +52,10 @@ private:
     TypedSql between(const Between& between, Scope& scope);
     TypedSql inList(const InList& in, Scope& scope);
     TypedSql inQuery(const InQuery& in, Scope& scope);
+    static TypedSql membership(const TypedSql& tested, bool asTexts, bool negated, const QString& candidates);
     TypedSql scalarQuery(const ScalarQuery& scalar, Scope& scope);
+    /// A subquery that stands for values: SubqueryOfSeveralFields where it yields more than one column.
+    Relation subqueryOfOneColumn(const Query& query, Scope& scope);
     TypedSql function(const FunctionCall& call, const Expression& expression, Scope& scope);
     TypedSql aggregate(const FunctionCall& call, const Expression& expression, Scope& scope);
     std::optional<TypedSql> specialFunction(const FunctionCall& call, const Expression& expression, Scope& scope);

@@ -65,10 +65,7 @@ Relation QueryTranslator::unionOf(const Query& query, Scope* outer)
     for (const Query::Part& part : query.parts) {
         parts.push_back(select(part.select, {}, outer));
         if (parts.back().columns.size() != parts.front().columns.size()) {
-            throw runtime::RunTimeError(
-                runtime::ErrorNumber::UnionColumnsDiffer,
-                QStringLiteral("The number of columns in the two selected tables or queries of a "
-                               "union query do not match."));
+            throw runtime::RunTimeError(runtime::ErrorNumber::UnionColumnsDiffer);
         }
     }
     Relation result;
