@@ -1,7 +1,7 @@
 #include "data/engine/value_conversion.h"
 
 #include "data/engine/decimal_conversion.h"
-#include "data/functions/function.h"
+#include "data/functions/field_conversions.h"
 #include "runtime/conversions.h"
 #include "runtime/run_time_error.h"
 
@@ -95,12 +95,6 @@ jet::Value bytesFor(const runtime::Value& value, const jet::Column& column)
     return bytesOf(*bytes);
 }
 
-/// Through the conversion function of that name (CBool, CByte ...).
-runtime::Value converted(QStringView function, const runtime::Value& value)
-{
-    return call(*functionNamed(function), std::span(&value, 1));
-}
-
 double shortestSingle(double number)
 {
     // A single has 9 significant digits at most; the fewest that lead back to it are the ones a person typed.
@@ -136,9 +130,7 @@ runtime::Value inexactNumber(const runtime::Value& value, FieldType type)
     } else {
         return value;
     }
-    if (!std::isfinite(number)) {
-        throw RunTimeError(ErrorNumber::Overflow);
-    }
+    number = finite(number);
     if (type == FieldType::Single) {
         return shortestSingle(number);
     }
@@ -216,18 +208,17 @@ jet::Value toFile(const runtime::Value& value, const jet::Column& column)
     }
     switch (column.type) {
     case jet::ColumnType::Boolean:
-        return std::get<bool>(converted(u"cbool", value));
+        return toBoolean(value);
     case jet::ColumnType::Byte:
-        return static_cast<std::uint8_t>(std::get<qint32>(converted(u"cbyte", value)));
+        return std::uint8_t{toByte(value)};
     case jet::ColumnType::Integer:
         return std::int16_t{runtime::toInteger(value)};
     case jet::ColumnType::Long:
         return std::int32_t{runtime::toLong(value)};
     case jet::ColumnType::Currency:
-        return jet::Currency{
-            std::llround(std::get<double>(converted(u"ccur", runtime::toDouble(value))) * kTenThousand)};
+        return jet::Currency{std::llround(toCurrency(value) * kTenThousand)};
     case jet::ColumnType::Single:
-        return static_cast<float>(std::get<double>(converted(u"csng", value)));
+        return toSingle(value);
     case jet::ColumnType::Double:
         return runtime::toDouble(value);
     case jet::ColumnType::DateTime:

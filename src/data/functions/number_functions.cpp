@@ -1,8 +1,6 @@
+#include "data/functions/field_conversions.h"
 #include "data/functions/function.h"
 #include "runtime/conversions.h"
-#include "runtime/run_time_error.h"
-
-#include <QString>
 
 #include <array>
 #include <cmath>
@@ -18,14 +16,6 @@ double numberOf(Arguments arguments)
     return runtime::toDouble(arguments[0]);
 }
 
-Value checked(double number)
-{
-    if (!std::isfinite(number)) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::Overflow);
-    }
-    return number;
-}
-
 /// The result as a whole number where the argument was one.
 Value likeArgument(const Value& argument, double number)
 {
@@ -36,7 +26,7 @@ Value likeArgument(const Value& argument, double number)
     if (std::holds_alternative<runtime::Date>(argument)) {
         return runtime::Date{number};
     }
-    return checked(number);
+    return finite(number);
 }
 
 Value absolute(Arguments arguments)
@@ -70,7 +60,7 @@ Value squareRoot(Arguments arguments)
 
 Value exponential(Arguments arguments)
 {
-    return checked(std::exp(numberOf(arguments)));
+    return finite(std::exp(numberOf(arguments)));
 }
 
 Value logarithm(Arguments arguments)
@@ -81,22 +71,10 @@ Value logarithm(Arguments arguments)
     return std::log(numberOf(arguments));
 }
 
-/// Halves go to the even neighbour. What is a half is judged on 15 significant digits, so that 2.675 is one.
 Value rounded(Arguments arguments)
 {
-    constexpr int kSignificant = 15;
-    const qint32 digits = arguments.size() > 1 ? countOf(arguments[1], 0) : 0;
-    const double number = numberOf(arguments);
-    const double scale = std::pow(10.0, digits);
-    const double scaled = number * scale;
-    if (digits > kSignificant || std::abs(scaled) >= 1e15) {
-        return likeArgument(arguments[0], number); // no digit is left to round
-    }
-    const double decimal = QString::number(scaled, 'g', kSignificant).toDouble();
-    const double floor = std::floor(decimal);
-    const double fraction = decimal - floor;
-    const bool up = fraction > 0.5 || (fraction == 0.5 && std::fmod(floor, 2) != 0);
-    return likeArgument(arguments[0], (up ? floor + 1 : floor) / scale);
+    const qint32 places = arguments.size() > 1 ? countOf(arguments[1], 0) : 0;
+    return likeArgument(arguments[0], roundedToEven(numberOf(arguments), places));
 }
 
 Value sine(Arguments arguments)
@@ -109,7 +87,7 @@ Value cosine(Arguments arguments)
 }
 Value tangent(Arguments arguments)
 {
-    return checked(std::tan(numberOf(arguments)));
+    return finite(std::tan(numberOf(arguments)));
 }
 Value arcTangent(Arguments arguments)
 {

@@ -1,3 +1,4 @@
+#include "data/functions/field_conversions.h"
 #include "data/functions/function.h"
 #include "data/functions/like_pattern.h"
 #include "runtime/conversions.h"
@@ -17,14 +18,6 @@ using runtime::Value;
 [[noreturn]] void fail(runtime::ErrorNumber number)
 {
     throw runtime::RunTimeError(number);
-}
-
-double finite(double number)
-{
-    if (!std::isfinite(number)) {
-        fail(runtime::ErrorNumber::Overflow);
-    }
-    return number;
 }
 
 bool isWhole(const Value& value)
@@ -148,7 +141,7 @@ Value isLike(Arguments arguments)
 
 Value truthOf(Arguments arguments)
 {
-    return functionNamed(u"cbool")->evaluate(arguments);
+    return toBoolean(arguments[0]);
 }
 
 Value textOf(Arguments arguments)

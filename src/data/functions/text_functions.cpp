@@ -1,12 +1,11 @@
+#include "data/functions/field_conversions.h"
 #include "data/functions/function.h"
 #include "runtime/conversions.h"
-#include "runtime/run_time_error.h"
 
 #include <QString>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace data {
 namespace {
@@ -224,11 +223,7 @@ Value leadingNumber(Arguments arguments)
             }
         }
     }
-    const double number = text.left(end).toDouble();
-    if (!std::isfinite(number)) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::Overflow);
-    }
-    return number;
+    return finite(text.left(end).toDouble());
 }
 
 /// A number with a blank in the place of the plus sign, always with a point.
