@@ -32,36 +32,33 @@ VirtualCursor& cursorOf(sqlite3_vtab_cursor* cursor)
     return *static_cast<VirtualCursor*>(cursor);
 }
 
-std::vector<SearchableIndex> searchableIndexes(const jet::Table& table, const std::vector<jet::Column>& columns)
+/// The index as the planner sees it, or null when it cannot be searched.
+std::optional<SearchableIndex> searchableIndex(const jet::Table& table, std::size_t position,
+                                               const std::vector<jet::Column>& columns)
 {
-    std::vector<SearchableIndex> result;
-    const std::vector<jet::RealIndex>& indexes = table.definition().realIndexes;
-    for (std::size_t i = 0; i < indexes.size(); ++i) {
-        SearchableIndex index;
-        index.realIndex = i;
-        index.unique = indexes[i].isUnique();
-        index.required = indexes[i].isRequired();
-        index.ignoresNulls = indexes[i].ignoresNulls();
-        index.rowsPerKey =
-            indexes[i].distinctKeys == 0
-                ? 1
-                : std::max(1.0, static_cast<double>(table.rowCount()) / static_cast<double>(indexes[i].distinctKeys));
-        bool searchable = table.isSearchable(i);
-        for (const jet::KeyColumn& key : indexes[i].columns) {
-            const auto column = std::find_if(columns.begin(), columns.end(), [&](const jet::Column& candidate) {
-                return candidate.number == key.columnNumber;
-            });
-            searchable = searchable && column != columns.end() && isSearchableType(column->type);
-            if (searchable) {
-                index.keys.push_back({static_cast<int>(column - columns.begin()), key.ascending});
-                index.keepsOrder = index.keepsOrder && column->type != jet::ColumnType::Memo;
-            }
-        }
-        if (searchable) {
-            result.push_back(std::move(index));
-        }
+    if (!table.isSearchable(position)) {
+        return std::nullopt;
     }
-    return result;
+    const jet::RealIndex& real = table.definition().realIndexes[position];
+    SearchableIndex index;
+    index.realIndex = position;
+    index.unique = real.isUnique();
+    index.required = real.isRequired();
+    index.ignoresNulls = real.ignoresNulls();
+    if (real.distinctKeys != 0) {
+        index.rowsPerKey = std::max(1.0, static_cast<double>(table.rowCount()) / real.distinctKeys);
+    }
+    for (const jet::KeyColumn& key : real.columns) {
+        const auto column = std::find_if(columns.begin(), columns.end(), [&](const jet::Column& candidate) {
+            return candidate.number == key.columnNumber;
+        });
+        if (column == columns.end() || !isSearchableType(column->type)) {
+            return std::nullopt;
+        }
+        index.keys.push_back({static_cast<int>(column - columns.begin()), key.ascending});
+        index.keepsOrder = index.keepsOrder && column->type != jet::ColumnType::Memo;
+    }
+    return index;
 }
 
 /// Whether an index refuses null in the column. Knowing it, SQLite finds the least value at the beginning of an index.
@@ -113,6 +110,23 @@ int disconnectTable(sqlite3_vtab* table)
     return SQLITE_OK;
 }
 
+/// Null for a comparison that no index helps with.
+std::optional<PlanQuestion::Comparison> comparisonOf(unsigned char constraint)
+{
+    switch (constraint) {
+    case SQLITE_INDEX_CONSTRAINT_EQ:
+        return PlanQuestion::Comparison::Equal;
+    case SQLITE_INDEX_CONSTRAINT_GT:
+    case SQLITE_INDEX_CONSTRAINT_GE:
+        return PlanQuestion::Comparison::Lower;
+    case SQLITE_INDEX_CONSTRAINT_LT:
+    case SQLITE_INDEX_CONSTRAINT_LE:
+        return PlanQuestion::Comparison::Upper;
+    default:
+        return std::nullopt;
+    }
+}
+
 PlanQuestion questionOf(const TableBinding& binding, const sqlite3_index_info& info)
 {
     PlanQuestion question;
@@ -120,23 +134,9 @@ PlanQuestion questionOf(const TableBinding& binding, const sqlite3_index_info& i
     question.rowCount = binding.table.rowCount();
     for (int i = 0; i < info.nConstraint; ++i) {
         const auto& constraint = info.aConstraint[i];
-        if (constraint.usable == 0 || constraint.iColumn < 0) {
-            continue;
-        }
-        switch (constraint.op) {
-        case SQLITE_INDEX_CONSTRAINT_EQ:
-            question.constraints.push_back({constraint.iColumn, PlanQuestion::Comparison::Equal, i});
-            break;
-        case SQLITE_INDEX_CONSTRAINT_GT:
-        case SQLITE_INDEX_CONSTRAINT_GE:
-            question.constraints.push_back({constraint.iColumn, PlanQuestion::Comparison::Lower, i});
-            break;
-        case SQLITE_INDEX_CONSTRAINT_LT:
-        case SQLITE_INDEX_CONSTRAINT_LE:
-            question.constraints.push_back({constraint.iColumn, PlanQuestion::Comparison::Upper, i});
-            break;
-        default:
-            break;
+        const auto comparison = comparisonOf(constraint.op);
+        if (constraint.usable != 0 && constraint.iColumn >= 0 && comparison) {
+            question.constraints.push_back({constraint.iColumn, *comparison, i});
         }
     }
     for (int i = 0; i < info.nOrderBy; ++i) {
@@ -244,7 +244,11 @@ TableBinding::TableBinding(jet::Table& source, PendingError& errors) : table(sou
     for (const jet::Column* column : source.definition().displayOrder()) {
         columns.push_back(*column);
     }
-    indexes = searchableIndexes(source, columns);
+    for (std::size_t i = 0; i < source.definition().realIndexes.size(); ++i) {
+        if (std::optional<SearchableIndex> index = searchableIndex(source, i, columns)) {
+            indexes.push_back(*std::move(index));
+        }
+    }
 }
 
 int registerTable(sqlite3* connection, const QString& name, TableBinding& binding)
