@@ -1,11 +1,18 @@
 // A table on its way from one file to another.
 #pragma once
 
-#include "jet/compaction.h"
+#include "jet/catalogue.h"
 
 #include <optional>
+#include <vector>
 
 namespace jet {
+
+/// Where a table's definition is in the one file and in the other.
+struct MovedTable {
+    PageNumber from = 0;
+    PageNumber to = 0;
+};
 
 /// The column that holds ids of objects in that table, when it is one of the system's that do.
 [[nodiscard]] std::optional<std::uint16_t> idColumnOf(Catalogue& source, PageNumber table);

@@ -6,17 +6,9 @@
 // of tables wherever one stands. What is left behind: free pages and room inside pages, and what deleted columns left.
 #pragma once
 
-#include "jet/catalogue.h"
-
-#include <vector>
+#include "jet/carried_table.h"
 
 namespace jet {
-
-/// Where a table's definition is in the one file and in the other.
-struct MovedTable {
-    PageNumber from = 0;
-    PageNumber to = 0;
-};
 
 /// All tables of the file, the system's four first. Throws ReadOnly or IndexNotSupported, naming it, for what cannot be
 /// carried over: forms, reports, modules, linked tables and whatever else is not known, an index that cannot be kept
@@ -25,9 +17,5 @@ struct MovedTable {
 
 /// Fills the empty file. Requires a read of the source. Sets MovedTable::to.
 void carryOver(Catalogue& source, Pager& target, std::vector<MovedTable>& tables);
-
-/// Throws Corrupt unless the one file holds what the other does, both ways: header, definitions and rows, each in the
-/// same order. Requires a read of both.
-void requireCarriedOver(Catalogue& source, Pager& target, const std::vector<MovedTable>& tables);
 
 } // namespace jet

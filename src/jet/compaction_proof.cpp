@@ -1,5 +1,5 @@
-// Whether a compacted file holds what the file does that it was made from.
-#include "jet/carried_table.h"
+#include "jet/compaction_proof.h"
+
 #include "jet/disk/file_version.h"
 #include "jet/format/at_page.h"
 #include "jet/format/table_definition_codec.h"

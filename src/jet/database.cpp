@@ -4,6 +4,7 @@
 #include "jet/change.h"
 #include "jet/check.h"
 #include "jet/compaction.h"
+#include "jet/compaction_proof.h"
 #include "jet/disk/set_aside.h"
 #include "jet/disk/unfinished_file.h"
 #include "jet/format/at_page.h"

@@ -1,6 +1,7 @@
 // A file written afresh, without the room that deleted rows left.
 #include "jet/catalogue_writer.h"
 #include "jet/compaction.h"
+#include "jet/compaction_proof.h"
 #include "jet/database/diary_content.h"
 #include "jet/database/mdbtools.h"
 #include "jet/database/small_diary.h"
