@@ -28,15 +28,6 @@ ByteView takeFront(ByteView& bytes, std::size_t length)
     return front;
 }
 
-void appendU16(Bytes& out, std::size_t number)
-{
-    if (number > 0xFFFF) {
-        throw Error(ErrorCode::ValueTooLong, "A property is too long");
-    }
-    out.resize(out.size() + 2);
-    putU16(out, out.size() - 2, static_cast<std::uint16_t>(number));
-}
-
 std::vector<std::string> decodeNames(ByteView body)
 {
     std::vector<std::string> names;
@@ -75,42 +66,6 @@ PropertySet decodeSet(std::uint16_t kind, ByteView body, const std::vector<std::
         set.properties.push_back(decodeProperty(takeFront(body, length), names));
     }
     return set;
-}
-
-void appendChunk(Bytes& out, std::uint16_t kind, ByteView body)
-{
-    Bytes head(kChunkHeader);
-    putU32(head, 0, static_cast<std::uint32_t>(kChunkHeader + body.size()));
-    putU16(head, 4, kind);
-    append(out, head);
-    append(out, body);
-}
-
-void appendProperty(Bytes& out, const Property& property, std::size_t name)
-{
-    appendU16(out, kValueHeader + property.data.size());
-    out.push_back(property.structural ? std::byte{1} : std::byte{0});
-    out.push_back(std::byte{property.type});
-    appendU16(out, name);
-    appendU16(out, property.data.size());
-    append(out, property.data);
-}
-
-Bytes encodeSet(const PropertySet& set, std::vector<std::string>& names)
-{
-    const Bytes owner = encodePlainText(toUtf16(set.owner));
-    Bytes body(4);
-    putU32(body, 0, static_cast<std::uint32_t>(kNameBlockHeader + owner.size()));
-    appendU16(body, owner.size());
-    append(body, owner);
-    for (const Property& property : set.properties) {
-        auto found = std::find(names.begin(), names.end(), property.name);
-        if (found == names.end()) {
-            found = names.insert(found, property.name);
-        }
-        appendProperty(body, property, static_cast<std::size_t>(found - names.begin()));
-    }
-    return body;
 }
 
 } // namespace
@@ -162,26 +117,6 @@ PropertyBlob decodePropertyBlob(ByteView bytes)
         }
     }
     return blob;
-}
-
-Bytes encodePropertyBlob(const PropertyBlob& blob)
-{
-    std::vector<std::string> names = blob.names;
-    Bytes setChunks;
-    for (const PropertySet& set : blob.sets) {
-        appendChunk(setChunks, set.kind, encodeSet(set, names));
-    }
-    Bytes nameList;
-    for (const std::string& name : names) {
-        const Bytes text = encodePlainText(toUtf16(name));
-        appendU16(nameList, text.size());
-        append(nameList, text);
-    }
-    Bytes bytes(4);
-    putU32(bytes, 0, kMark);
-    appendChunk(bytes, kNamesChunk, nameList);
-    append(bytes, setChunks);
-    return bytes;
 }
 
 } // namespace jet

@@ -30,14 +30,12 @@ struct PropertySet {
 
 struct PropertyBlob {
     std::vector<PropertySet> sets;
-    /// As stored, so that unchanged properties keep their bytes; names of new ones need not be here.
-    std::vector<std::string> names;
+    std::vector<std::string> names; ///< all that the list defines, as stored
 
     [[nodiscard]] const PropertySet* find(std::string_view owner) const; ///< or null; "" is the object itself
 };
 
 /// Nothing at all decodes to no properties. Throws Corrupt.
 [[nodiscard]] PropertyBlob decodePropertyBlob(ByteView bytes);
-[[nodiscard]] Bytes encodePropertyBlob(const PropertyBlob& blob);
 
 } // namespace jet

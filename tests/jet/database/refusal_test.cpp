@@ -5,6 +5,7 @@
 #include "jet/disk/memory_file.h"
 #include "jet/format/property_blob.h"
 #include "jet/support/error_matchers.h"
+#include "jet/support/property_blob_encoder.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -65,7 +66,7 @@ protected:
             key[0] = id;
             const std::optional<RowPointer> row = byId.tree.find(byId.keyOf(key).bytes);
             ASSERT_TRUE(row.has_value());
-            const std::array change{systemValue(ObjectColumn::LvProp, encodePropertyBlob(blob))};
+            const std::array change{systemValue(ObjectColumn::LvProp, test::encodePropertyBlob(blob))};
             RowWriter(catalogue.tables()).update(catalogue.objects(), *row, change);
             pager.commit();
         }

@@ -3,6 +3,7 @@
 #include "jet/format/hex.h"
 #include "jet/format/text_codec.h"
 #include "jet/support/error_matchers.h"
+#include "jet/support/property_blob_encoder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 namespace jet {
 namespace {
 
+using test::encodePropertyBlob;
 using test::fromHex;
 using test::throwsError;
 using test::toHex;

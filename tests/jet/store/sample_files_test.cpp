@@ -9,6 +9,7 @@
 #include "jet/format/property_blob.h"
 #include "jet/format/table_definition_codec.h"
 #include "jet/format/utf.h"
+#include "jet/support/property_blob_encoder.h"
 #include "jet/support/sample_files.h"
 
 #include <gtest/gtest.h>
@@ -189,7 +190,7 @@ TEST_P(SampleFile, PropertiesEncodeToTheBytesThatTheyCameFrom)
         const Value value = readValue(pager_, RowView(layout, cursor.row().bytes), properties);
         if (!isNull(value)) {
             const Bytes& bytes = std::get<Bytes>(value);
-            EXPECT_EQ(toHex(encodePropertyBlob(decodePropertyBlob(bytes))), toHex(bytes));
+            EXPECT_EQ(toHex(test::encodePropertyBlob(decodePropertyBlob(bytes))), toHex(bytes));
         }
     }
 }
