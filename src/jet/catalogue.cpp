@@ -79,7 +79,7 @@ void sortByName(std::vector<Named>& items)
     for (std::size_t i = 0; i < table.indexes.size(); ++i) {
         const IndexKeyEncoder& encoder = table.indexes[i].encoder;
         const std::vector<std::uint16_t>& columns = encoder.columnNumbers();
-        if (encoder.canEncode() && encoder.isSearchable() && columns.size() >= key.size() &&
+        if (encoder.isSearchable() && columns.size() >= key.size() &&
             std::equal(key.begin(), key.end(), columns.begin(),
                        [](const ColumnValue& part, std::uint16_t column) { return part.columnNumber == column; })) {
             return i;

@@ -174,13 +174,11 @@ IndexKeyEncoder::IndexKeyEncoder(const TableDefinition& definition, const RealIn
             throw Error(ErrorCode::Corrupt,
                         "An index names column " + std::to_string(keyColumn.columnNumber) + ", which is not there");
         }
-        if (!jet::canEncode(*column) && unsupportedColumn_.empty()) {
-            unsupportedColumn_ = column->name;
-        }
+        canEncode_ = canEncode_ && jet::canEncode(*column);
         parts_.push_back({.column = *column, .ascending = keyColumn.ascending});
         columnNumbers_.push_back(keyColumn.columnNumber);
     }
-    searchable_ = canEncode();
+    searchable_ = canEncode_;
     for (const Part& part : parts_) {
         const bool last = &part == &parts_.back();
         const bool signsKeepTheirOrder = part.column.type == ColumnType::Numeric && !part.ascending;

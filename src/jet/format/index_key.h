@@ -7,7 +7,6 @@
 
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace jet {
@@ -37,12 +36,10 @@ public:
     IndexKeyEncoder(const TableDefinition& definition, const RealIndex& index);
 
     /// Whether keys can be computed at all; every function below requires it, else it throws IndexNotSupported.
-    [[nodiscard]] bool canEncode() const { return unsupportedColumn_.empty(); }
-    /// The first column whose keys cannot be computed; empty when all can.
-    [[nodiscard]] const std::string& unsupportedColumn() const { return unsupportedColumn_; }
-    /// Whether the order of keys is the order of values, so that ranges can be searched. It is not for a descending
-    /// Numeric (the signs keep their ascending order), nor for a Binary that is descending or followed by a column
-    /// (an empty value has no end mark). Such an index can be kept up and walked, but not searched.
+    [[nodiscard]] bool canEncode() const { return canEncode_; }
+    /// Whether, besides, the order of keys is the order of values, so that ranges can be searched. It is not for a
+    /// descending Numeric (the signs keep their ascending order), nor for a Binary that is descending or followed by a
+    /// column (an empty value has no end mark). Such an index can be kept up and walked, but not searched.
     [[nodiscard]] bool isSearchable() const { return searchable_; }
     /// Numbers of the key columns, in the index's order.
     [[nodiscard]] const std::vector<std::uint16_t>& columnNumbers() const { return columnNumbers_; }
@@ -68,7 +65,7 @@ private:
 
     std::vector<Part> parts_;
     std::vector<std::uint16_t> columnNumbers_;
-    std::string unsupportedColumn_;
+    bool canEncode_ = true;
     bool searchable_ = true;
 };
 
