@@ -106,9 +106,9 @@ private:
 class RangeCursor final : public CursorBase
 {
 public:
-    RangeCursor(Pager& pager, StoredTable& table, std::size_t realIndex, const KeyRange& keys, bool backwards)
+    RangeCursor(Pager& pager, StoredTable& table, std::size_t realIndex, const KeyRange& keys, Direction direction)
         : CursorBase(pager, table),
-          cursor_(treeOf(realIndex).range(intervalOf(indexAt(loaded(), realIndex).encoder, keys), backwards)),
+          cursor_(treeOf(realIndex).range(intervalOf(indexAt(loaded(), realIndex).encoder, keys), direction)),
           changes_(table.changes())
     {
     }
@@ -132,7 +132,7 @@ private:
     [[nodiscard]] const IndexTree& treeOf(std::size_t realIndex) const
     {
         const TableIndex& index = indexAt(loaded(), realIndex);
-        if (!index.encoder.canEncode() || !index.encoder.isSearchable()) {
+        if (!index.encoder.isSearchable()) {
             throw Error(ErrorCode::IndexNotSupported, "The index \"" + index.name + "\" cannot be searched");
         }
         return index.tree;
@@ -162,9 +162,9 @@ std::unique_ptr<RowCursor> scanRows(Pager& pager, StoredTable& table)
 }
 
 std::unique_ptr<RowCursor> rangeOfRows(Pager& pager, StoredTable& table, std::size_t realIndex, const KeyRange& keys,
-                                       bool backwards)
+                                       Direction direction)
 {
-    return std::make_unique<RangeCursor>(pager, table, realIndex, keys, backwards);
+    return std::make_unique<RangeCursor>(pager, table, realIndex, keys, direction);
 }
 
 std::unique_ptr<Row> readRow(Pager& pager, StoredTable& table, RowPointer address)

@@ -12,7 +12,7 @@ namespace jet {
 [[nodiscard]] std::unique_ptr<RowCursor> scanRows(Pager& pager, StoredTable& table);
 /// Throws IndexNotSupported for an index that cannot be searched, NoSuchObject for one that is not there.
 [[nodiscard]] std::unique_ptr<RowCursor> rangeOfRows(Pager& pager, StoredTable& table, std::size_t realIndex,
-                                                     const KeyRange& keys, bool backwards = false);
+                                                     const KeyRange& keys, Direction direction = Direction::Forwards);
 /// Null when there is no row at the address.
 [[nodiscard]] std::unique_ptr<Row> readRow(Pager& pager, StoredTable& table, RowPointer address);
 

@@ -1,6 +1,7 @@
 // One table of an open database: its rows, read and changed.
 #pragma once
 
+#include "jet/format/direction.h"
 #include "jet/format/table_definition.h"
 #include "jet/format/value.h"
 
@@ -74,7 +75,7 @@ public:
     /// position in TableDefinition::realIndexes. Null as a bound means the null key. Throws IndexNotSupported for
     /// bounds in an index that cannot be searched.
     [[nodiscard]] virtual std::unique_ptr<RowCursor> range(std::size_t realIndex, const KeyRange& keys,
-                                                           bool backwards = false) const = 0;
+                                                           Direction direction = Direction::Forwards) const = 0;
     /// Whether keys of this index can be computed (an index of another sort order cannot be searched, only scanned
     /// past).
     [[nodiscard]] virtual bool isSearchable(std::size_t realIndex) const = 0;

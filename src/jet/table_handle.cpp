@@ -62,17 +62,16 @@ std::unique_ptr<RowCursor> TableHandle::scan() const
     return scanRows(catalogue_->pager(), current());
 }
 
-std::unique_ptr<RowCursor> TableHandle::range(std::size_t realIndex, const KeyRange& keys, bool backwards) const
+std::unique_ptr<RowCursor> TableHandle::range(std::size_t realIndex, const KeyRange& keys, Direction direction) const
 {
     const ReadGuard guard(catalogue_->pager());
-    return rangeOfRows(catalogue_->pager(), current(), realIndex, keys, backwards);
+    return rangeOfRows(catalogue_->pager(), current(), realIndex, keys, direction);
 }
 
 bool TableHandle::isSearchable(std::size_t realIndex) const
 {
     const ReadGuard guard(catalogue_->pager());
-    const IndexKeyEncoder& encoder = indexAt(*current().loaded(), realIndex).encoder;
-    return encoder.canEncode() && encoder.isSearchable();
+    return indexAt(*current().loaded(), realIndex).encoder.isSearchable();
 }
 
 std::unique_ptr<Row> TableHandle::read(RowPointer address) const

@@ -21,7 +21,7 @@ public:
 
     [[nodiscard]] std::unique_ptr<RowCursor> scan() const override;
     [[nodiscard]] std::unique_ptr<RowCursor> range(std::size_t realIndex, const KeyRange& keys,
-                                                   bool backwards) const override;
+                                                   Direction direction) const override;
     [[nodiscard]] bool isSearchable(std::size_t realIndex) const override;
     [[nodiscard]] std::unique_ptr<Row> read(RowPointer address) const override;
 

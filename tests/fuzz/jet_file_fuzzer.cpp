@@ -85,7 +85,7 @@ void readTable(const Table& table)
     attempt([&] { readRows(table, *table.scan()); });
     for (std::size_t index = 0; index < table.definition().realIndexes.size(); ++index) {
         attempt([&] { readRows(table, *table.range(index, {})); });
-        attempt([&] { readRows(table, *table.range(index, {}, true)); });
+        attempt([&] { readRows(table, *table.range(index, {}, Direction::Backwards)); });
     }
 }
 

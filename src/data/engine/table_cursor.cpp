@@ -103,8 +103,8 @@ std::unique_ptr<jet::RowCursor> TableCursor::rowsOf(int number, std::string_view
     std::vector<runtime::Value> bounds;
     std::transform(arguments.begin(), arguments.end(), std::back_inserter(bounds), valueOf);
     const std::optional<jet::KeyRange> range = keyRange(values, bounds, parts);
-    const bool backwards = (number & IndexPlan::kBackwards) != 0;
-    return range ? binding_->table.range(index.realIndex, *range, backwards) : nullptr;
+    const auto direction = (number & IndexPlan::kBackwards) != 0 ? jet::Direction::Backwards : jet::Direction::Forwards;
+    return range ? binding_->table.range(index.realIndex, *range, direction) : nullptr;
 }
 
 } // namespace data

@@ -21,8 +21,8 @@ KeyInterval exactly(ByteView key)
     return {.from = std::move(from), .to = std::move(to)};
 }
 
-IndexCursor::IndexCursor(Pager& pager, const IndexTree& tree, KeyInterval interval, bool backwards)
-    : pager_(&pager), tree_(&tree), interval_(std::move(interval)), backwards_(backwards)
+IndexCursor::IndexCursor(Pager& pager, const IndexTree& tree, KeyInterval interval, Direction direction)
+    : pager_(&pager), tree_(&tree), interval_(std::move(interval)), backwards_(direction == Direction::Backwards)
 {
 }
 

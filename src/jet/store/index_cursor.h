@@ -2,6 +2,7 @@
 #pragma once
 
 #include "jet/disk/pager.h"
+#include "jet/format/direction.h"
 #include "jet/format/index_page.h"
 
 #include <memory>
@@ -29,7 +30,7 @@ class IndexTree;
 class IndexCursor
 {
 public:
-    IndexCursor(Pager& pager, const IndexTree& tree, KeyInterval interval, bool backwards);
+    IndexCursor(Pager& pager, const IndexTree& tree, KeyInterval interval, Direction direction);
 
     /// Moves to the next entry; false at the end, and from then on.
     [[nodiscard]] bool next();

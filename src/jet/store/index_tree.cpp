@@ -55,9 +55,9 @@ bool IndexTree::isTaken(ByteView key, std::optional<RowPointer> except) const
     return false;
 }
 
-IndexCursor IndexTree::range(KeyInterval interval, bool backwards) const
+IndexCursor IndexTree::range(KeyInterval interval, Direction direction) const
 {
-    return IndexCursor(*pager_, *this, std::move(interval), backwards);
+    return IndexCursor(*pager_, *this, std::move(interval), direction);
 }
 
 IndexPageRef IndexTree::read(PageNumber number) const

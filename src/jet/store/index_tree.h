@@ -36,7 +36,7 @@ public:
     /// Whether a row other than `except` has exactly this key: what a unique index asks before a row is written. Keys
     /// that are null in all columns never collide; do not ask for those.
     [[nodiscard]] bool isTaken(ByteView key, std::optional<RowPointer> except = std::nullopt) const;
-    [[nodiscard]] IndexCursor range(KeyInterval interval = {}, bool backwards = false) const;
+    [[nodiscard]] IndexCursor range(KeyInterval interval = {}, Direction direction = Direction::Forwards) const;
 
     /// Adds an entry. Checks no uniqueness. Throws ValueTooLong for a key past kMaximumKeyLength, Corrupt when the very
     /// entry is there already.

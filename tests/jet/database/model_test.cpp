@@ -393,7 +393,7 @@ protected:
                       std::vector<RowPointer>(expected.begin(), first));
         }
         std::reverse(expected.begin(), expected.end());
-        ASSERT_EQ(addressesOf(*things.range(position, {}, true)), expected);
+        ASSERT_EQ(addressesOf(*things.range(position, {}, Direction::Backwards)), expected);
     }
 
     MemoryFileSystem disk_;

@@ -27,10 +27,11 @@ protected:
     Table& table() { return database_->table("T"); }
 
     /// Ids of the rows of a range of the index AB.
-    std::string range(const std::optional<KeyBound>& from, const std::optional<KeyBound>& to, bool backwards = false)
+    std::string range(const std::optional<KeyBound>& from, const std::optional<KeyBound>& to,
+                      Direction direction = Direction::Forwards)
     {
         std::string ids;
-        const auto cursor = table().range(1, {from, to}, backwards);
+        const auto cursor = table().range(1, {from, to}, direction);
         while (cursor->next()) {
             ids +=
                 std::to_string(std::get<std::int32_t>(cursor->row().value(*table().definition().columnByName("Id"))));
@@ -46,7 +47,7 @@ protected:
 TEST_F(Reading, AnOpenRangeIsTheWholeIndexInItsOwnOrder)
 {
     EXPECT_EQ(range({}, {}), "324165"); // null first; within 2 the texts descend; equal keys in the order of entry
-    EXPECT_EQ(range({}, {}, true), "561423");
+    EXPECT_EQ(range({}, {}, Direction::Backwards), "561423");
 }
 
 TEST_F(Reading, BoundsMayNameTheLeadingColumnsAlone)
@@ -54,7 +55,7 @@ TEST_F(Reading, BoundsMayNameTheLeadingColumnsAlone)
     const KeyBound two{{2}, true};
     const KeyBound notTwo{{2}, false};
     EXPECT_EQ(range(two, two), "416");
-    EXPECT_EQ(range(two, two, true), "614");
+    EXPECT_EQ(range(two, two, Direction::Backwards), "614");
     EXPECT_EQ(range(notTwo, {}), "5");
     EXPECT_EQ(range({}, notTwo), "32");
     EXPECT_EQ(range(notTwo, notTwo), "");
@@ -79,7 +80,7 @@ TEST_F(Reading, BoundsOfAnotherTypeAreRefused)
             static_cast<void>(range(KeyBound{{u"two"}, true}, {}));
         },
         throwsError(ErrorCode::InvalidArgument));
-    EXPECT_THAT([&] { static_cast<void>(table().range(2, {}, false)); }, throwsError(ErrorCode::NoSuchObject));
+    EXPECT_THAT([&] { static_cast<void>(table().range(2, {})); }, throwsError(ErrorCode::NoSuchObject));
 }
 
 TEST_F(Reading, ACursorGoesOnWhileItsRowsAreErased)

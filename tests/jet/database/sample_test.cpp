@@ -222,9 +222,9 @@ TEST_P(Sample, IndexesHoldTheDumpedKeysAndGiveRowsInTheirOrderBothWays)
             if (!table.isSearchable(position)) {
                 continue;
             }
-            for (const bool backwards : {false, true}) {
+            for (const Direction direction : {Direction::Forwards, Direction::Backwards}) {
                 lines.clear();
-                for (const auto cursor = table.range(position, {}, backwards); cursor->next();) {
+                for (const auto cursor = table.range(position, {}, direction); cursor->next();) {
                     const RowPointer address = cursor->row().address();
                     lines.push_back(std::to_string(address.page) + ":" + std::to_string(address.row));
                 }

@@ -64,7 +64,7 @@ TEST(IndexTree, ANewTreeIsOneEmptyLeaf)
     EXPECT_EQ(tree.pages(), std::vector<PageNumber>{tree.file.root});
     EXPECT_FALSE(tree.tree.find(numberKey(1)));
     EXPECT_FALSE(tree.tree.erase(numberKey(1), rowOf(1)));
-    IndexCursor backwards = tree.tree.range({}, true);
+    IndexCursor backwards = tree.tree.range({}, Direction::Backwards);
     EXPECT_FALSE(backwards.next());
     EXPECT_FALSE(backwards.next());
 }
@@ -258,9 +258,9 @@ TEST_P(IndexTreeModel, RandomChangesKeepTheTreeSoundAndEqualToTheModel)
             if (!interval.to || interval.from < *interval.to) {
                 wanted.assign(begin, end);
             }
-            ASSERT_TRUE(tree.entries(interval, false) == wanted);
+            ASSERT_TRUE(tree.entries(interval, Direction::Forwards) == wanted);
             std::reverse(wanted.begin(), wanted.end());
-            ASSERT_TRUE(tree.entries(interval, true) == wanted);
+            ASSERT_TRUE(tree.entries(interval, Direction::Backwards) == wanted);
         }
     }
     while (!tree.model.empty()) {
@@ -297,7 +297,7 @@ TEST(IndexTree, EveryCombinationOfBoundsFindsItsRange)
     for (std::uint32_t i = 0; i < 3000; i += 2) {
         tree.insert(numberKey(i), rowOf(i));
     }
-    const auto count = [&](std::optional<std::uint32_t> from, std::optional<std::uint32_t> to, bool backwards) {
+    const auto count = [&](std::optional<std::uint32_t> from, std::optional<std::uint32_t> to, Direction direction) {
         KeyInterval interval;
         if (from) {
             interval.from = numberKey(*from);
@@ -305,22 +305,22 @@ TEST(IndexTree, EveryCombinationOfBoundsFindsItsRange)
         if (to) {
             interval.to = numberKey(*to);
         }
-        return tree.entries(interval, backwards).size();
+        return tree.entries(interval, direction).size();
     };
-    for (const bool backwards : {false, true}) {
-        EXPECT_EQ(count({}, {}, backwards), 1500U);
-        EXPECT_EQ(count(0, {}, backwards), 1500U);
-        EXPECT_EQ(count(1, {}, backwards), 1499U);
-        EXPECT_EQ(count({}, 2998, backwards), 1499U);
-        EXPECT_EQ(count({}, 2999, backwards), 1500U);
-        EXPECT_EQ(count(1000, 2000, backwards), 500U);
-        EXPECT_EQ(count(1001, 2001, backwards), 500U);
-        EXPECT_EQ(count(1000, 1001, backwards), 1U);
-        EXPECT_EQ(count(1001, 1002, backwards), 0U);
-        EXPECT_EQ(count(1000, 1000, backwards), 0U);
-        EXPECT_EQ(count(2000, 1000, backwards), 0U);
-        EXPECT_EQ(count({}, 0, backwards), 0U);
-        EXPECT_EQ(count(2999, {}, backwards), 0U);
+    for (const Direction direction : {Direction::Forwards, Direction::Backwards}) {
+        EXPECT_EQ(count({}, {}, direction), 1500U);
+        EXPECT_EQ(count(0, {}, direction), 1500U);
+        EXPECT_EQ(count(1, {}, direction), 1499U);
+        EXPECT_EQ(count({}, 2998, direction), 1499U);
+        EXPECT_EQ(count({}, 2999, direction), 1500U);
+        EXPECT_EQ(count(1000, 2000, direction), 500U);
+        EXPECT_EQ(count(1001, 2001, direction), 500U);
+        EXPECT_EQ(count(1000, 1001, direction), 1U);
+        EXPECT_EQ(count(1001, 1002, direction), 0U);
+        EXPECT_EQ(count(1000, 1000, direction), 0U);
+        EXPECT_EQ(count(2000, 1000, direction), 0U);
+        EXPECT_EQ(count({}, 0, direction), 0U);
+        EXPECT_EQ(count(2999, {}, direction), 0U);
     }
 }
 
@@ -352,8 +352,8 @@ TEST(IndexTree, EqualKeysThatSpanLeavesAreAllFound)
     }
     Bytes to = numberKey(2);
     to.push_back(std::byte{0});
-    EXPECT_EQ(tree.entries({.from = numberKey(2), .to = to}, false).size(), 2900U);
-    EXPECT_EQ(tree.entries({.from = numberKey(2), .to = to}, true).size(), 2900U);
+    EXPECT_EQ(tree.entries({.from = numberKey(2), .to = to}, Direction::Forwards).size(), 2900U);
+    EXPECT_EQ(tree.entries({.from = numberKey(2), .to = to}, Direction::Backwards).size(), 2900U);
     EXPECT_EQ(tree.tree.find(numberKey(2)), rowOf(100));
 }
 
@@ -361,14 +361,14 @@ TEST(IndexTree, EqualKeysThatSpanLeavesAreAllFound)
 
 TEST(IndexCursor, GoesOnBehindTheEntryThatIsErasedUnderIt)
 {
-    for (const bool backwards : {false, true}) {
+    for (const Direction direction : {Direction::Forwards, Direction::Backwards}) {
         ModelledTree tree;
         for (std::uint32_t i = 0; i < 3000; ++i) {
             tree.insert(numberKey(i), rowOf(i));
         }
         std::size_t steps = 0;
-        for (IndexCursor cursor = tree.tree.range({}, backwards); cursor.next(); ++steps) {
-            const auto expected = static_cast<std::uint32_t>(backwards ? 2999 - steps : steps);
+        for (IndexCursor cursor = tree.tree.range({}, direction); cursor.next(); ++steps) {
+            const auto expected = static_cast<std::uint32_t>(direction == Direction::Backwards ? 2999 - steps : steps);
             ASSERT_EQ(cursor.key(), numberKey(expected));
             ASSERT_EQ(cursor.row(), rowOf(expected));
             tree.erase(Bytes(cursor.key()), cursor.row());
@@ -381,7 +381,7 @@ TEST(IndexCursor, GoesOnBehindTheEntryThatIsErasedUnderIt)
 TEST(IndexCursor, SeesWhatIsAddedBehindItAndNotWhatIsAddedBeforeIt)
 {
     std::mt19937 random(4);
-    for (const bool backwards : {false, true}) {
+    for (const Direction direction : {Direction::Forwards, Direction::Backwards}) {
         ModelledTree tree;
         for (std::uint32_t i = 0; i < 2000; ++i) {
             tree.insert(numberKey(i * 1000), rowOf(i));
@@ -393,9 +393,9 @@ TEST(IndexCursor, SeesWhatIsAddedBehindItAndNotWhatIsAddedBeforeIt)
         for (const TreeEntry& entry : tree.model) {
             expected.insert(entry.first);
         }
-        for (IndexCursor cursor = tree.tree.range({}, backwards); cursor.next(); ++steps) {
+        for (IndexCursor cursor = tree.tree.range({}, direction); cursor.next(); ++steps) {
             if (!last.empty()) {
-                ASSERT_EQ(cursor.key() < last, backwards);
+                ASSERT_EQ(cursor.key() < last, direction == Direction::Backwards);
             }
             last = cursor.key();
             ASSERT_EQ(expected.count(last), 1U);
@@ -407,7 +407,7 @@ TEST(IndexCursor, SeesWhatIsAddedBehindItAndNotWhatIsAddedBeforeIt)
                     continue;
                 }
                 tree.insert(key, rowOf(nextRow++));
-                if ((key < last) == backwards) {
+                if ((key < last) == (direction == Direction::Backwards)) {
                     expected.insert(key);
                 }
             }
@@ -457,9 +457,9 @@ void useTree(const IndexTree& tree)
         }
     };
     tolerant([&] { (void)tree.find(numberKey(1234)); });
-    for (const bool backwards : {false, true}) {
+    for (const Direction direction : {Direction::Forwards, Direction::Backwards}) {
         tolerant([&] {
-            for (IndexCursor cursor = tree.range({}, backwards); cursor.next();) {
+            for (IndexCursor cursor = tree.range({}, direction); cursor.next();) {
             }
         });
     }
@@ -487,8 +487,8 @@ TEST(IndexTreeDamage, ALeafChainThatIsARingEnds)
     const PageNumber last = root.header().tail;
     setNext(tree.file.pager.modify(last), first);
     setPrevious(tree.file.pager.modify(first), last);
-    EXPECT_EQ(codeOf([&] { (void)tree.entries({}, false); }), ErrorCode::Corrupt);
-    EXPECT_EQ(codeOf([&] { (void)tree.entries({}, true); }), ErrorCode::Corrupt);
+    EXPECT_EQ(codeOf([&] { (void)tree.entries({}, Direction::Forwards); }), ErrorCode::Corrupt);
+    EXPECT_EQ(codeOf([&] { (void)tree.entries({}, Direction::Backwards); }), ErrorCode::Corrupt);
     EXPECT_EQ(tree.tree.check().size(), 2U);
 }
 

@@ -76,14 +76,14 @@ public:
         const std::vector<TreeEntry> wanted(model.begin(), model.end());
         ASSERT_EQ(walked.size(), wanted.size());
         ASSERT_TRUE(walked == wanted);
-        ASSERT_TRUE(entries({}, false) == wanted);
-        ASSERT_TRUE(entries({}, true) == std::vector<TreeEntry>(wanted.rbegin(), wanted.rend()));
+        ASSERT_TRUE(entries({}, Direction::Forwards) == wanted);
+        ASSERT_TRUE(entries({}, Direction::Backwards) == std::vector<TreeEntry>(wanted.rbegin(), wanted.rend()));
     }
 
-    [[nodiscard]] std::vector<TreeEntry> entries(const KeyInterval& interval, bool backwards) const
+    [[nodiscard]] std::vector<TreeEntry> entries(const KeyInterval& interval, Direction direction) const
     {
         std::vector<TreeEntry> found;
-        for (IndexCursor cursor = tree.range(interval, backwards); cursor.next();) {
+        for (IndexCursor cursor = tree.range(interval, direction); cursor.next();) {
             found.emplace_back(cursor.key(), cursor.row());
         }
         return found;

@@ -92,7 +92,7 @@ TEST_P(SampleTree, IsSoundAndHoldsTheKeysThatAnotherReaderFound)
         }
         EXPECT_EQ(forwards, dumped.entries);
         std::vector<std::string> backwards;
-        for (IndexCursor cursor = tree.range({}, true); cursor.next();) {
+        for (IndexCursor cursor = tree.range({}, Direction::Backwards); cursor.next();) {
             backwards.push_back(entryText(cursor.key(), cursor.row()));
         }
         std::reverse(backwards.begin(), backwards.end());
