@@ -183,7 +183,7 @@ TEST_F(MainActions, ANewReadingIsStoredAndReported)
 {
     whenModal([](QWidget& form) {
         EXPECT_EQ(form.objectName().toStdString(), "frmAddBloodSugar");
-        QTest::keyClicks(&child<QLineEdit>(form, "txtBloodSugar"), "6.5");
+        testing_windows::typeOver(child<QLineEdit>(form, "txtBloodSugar"), QStringLiteral("6.5"));
         QTest::mouseClick(&child<QPushButton>(form, "cmdOK"), Qt::LeftButton);
     });
     choose("mnuAdd", "mnuBloodSugar");
@@ -198,7 +198,7 @@ TEST_F(MainActions, ANewReadingGoesToTheFixedDiaryWhateverTheWindowUses)
     open("03/03/2002 10:00");
     ASSERT_NE(state().strPath, other.path());
     whenModal([](QWidget& form) {
-        QTest::keyClicks(&child<QLineEdit>(form, "txtBloodSugar"), "6.5");
+        testing_windows::typeOver(child<QLineEdit>(form, "txtBloodSugar"), QStringLiteral("6.5"));
         QTest::mouseClick(&child<QPushButton>(form, "cmdOK"), Qt::LeftButton);
     });
     choose("mnuAdd", "mnuBloodSugar");

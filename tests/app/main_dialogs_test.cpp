@@ -100,8 +100,7 @@ TEST_F(MainDialogs, AnEditedReadingIsStored)
         EXPECT_EQ(form.objectName().toStdString(), "frmEditBldSugar");
         auto& mmol = child<QLineEdit>(form, "txtMmol");
         QTest::mouseClick(&mmol, Qt::LeftButton);
-        mmol.selectAll();
-        QTest::keyClicks(&mmol, "7.5");
+        testing_windows::typeOver(mmol, QStringLiteral("7.5"));
         form.close();
     });
     choose("mnuEdit", "mnuEditBloodSugar");

@@ -35,7 +35,7 @@ protected:
     void enterReading(const char* mmol, const char* type)
     {
         whenModal([=](QWidget& form) {
-            QTest::keyClicks(&child<QLineEdit>(form, "txtBloodSugar"), QLatin1String(mmol));
+            testing_windows::typeOver(child<QLineEdit>(form, "txtBloodSugar"), QLatin1String(mmol));
             child<QComboBox>(form, "cboType").setCurrentText(QLatin1String(type));
             QTest::mouseClick(&child<QPushButton>(form, "cmdOK"), Qt::LeftButton);
         });
@@ -146,8 +146,7 @@ TEST_F(TypicalDay, TakesInAFoodThatTheTableLacksAndATimeThatWasWrong)
         EXPECT_EQ(form.objectName().toStdString(), "frmEditMealTime");
         auto& time = child<QLineEdit>(form, "txtMealTime");
         QTest::mouseClick(&time, Qt::LeftButton);
-        time.selectAll();
-        QTest::keyClicks(&time, "03/03/2002 16:00");
+        testing_windows::typeOver(time, QStringLiteral("03/03/2002 16:00"));
         form.close();
     });
     choose("mnuEdit", "mnuEditMealTime");

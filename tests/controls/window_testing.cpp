@@ -14,6 +14,12 @@ void showActive(QWidget& window)
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
 }
 
+void typeOver(QLineEdit& field, const QString& text)
+{
+    field.selectAll();
+    QTest::keyClicks(&field, text);
+}
+
 void handlePostedEvents()
 {
     QCoreApplication::sendPostedEvents();

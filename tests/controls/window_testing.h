@@ -1,6 +1,7 @@
 // What all tests of windows need.
 #pragma once
 
+#include <QLineEdit>
 #include <QString>
 #include <QTest>
 #include <QWidget>
@@ -26,6 +27,10 @@ template <typename Control>
     }
     return *found;
 }
+
+/// Types over the text that the field holds. A system that calls a dialog active before its field has the focus makes
+/// no difference to it.
+void typeOver(QLineEdit& field, const QString& text);
 
 /// Handles what has been posted until now, such as a box that opens after a click.
 void handlePostedEvents();
