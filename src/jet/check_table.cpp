@@ -1,11 +1,9 @@
 #include "jet/check_table.h"
 
+#include "jet/check_index.h"
 #include "jet/disk/error.h"
 #include "jet/format/data_page.h"
-#include "jet/format/index_key.h"
-#include "jet/store/index_tree.h"
 #include "jet/store/long_value_store.h"
-#include "jet/store/row_store.h"
 #include "jet/store/table_definition_store.h"
 #include "jet/store/usage_map.h"
 
@@ -20,14 +18,6 @@ namespace {
 std::string rowText(std::uint8_t row)
 {
     return "row " + std::to_string(row);
-}
-
-bool isPrimaryKey(const TableDefinition& definition, std::size_t realIndex)
-{
-    return std::any_of(definition.logicalIndexes.begin(), definition.logicalIndexes.end(),
-                       [&](const LogicalIndex& logical) {
-                           return logical.realIndex == realIndex && logical.kind == LogicalIndex::Kind::PrimaryKey;
-                       });
 }
 
 } // namespace
@@ -311,74 +301,16 @@ void TableCheck::checkCounters()
 
 void TableCheck::checkIndexes()
 {
+    const CheckedRows rows{.all = rows_, .unreadable = badRows_, .complete = rowsAreSound_};
+    const std::size_t faultsBefore = faults_->size();
     for (std::size_t i = 0; i < definition_.realIndexes.size(); ++i) {
-        guard(definition_.realIndexes[i].root, "index " + std::to_string(i), [&] { checkIndex(i); });
+        const std::string index = "index " + std::to_string(i);
+        guard(definition_.realIndexes[i].root, index, [&] {
+            IndexCheck(*pager_, *faults_, first_, definition_, *layout_, i, rows, "Table \"" + name_ + "\": " + index)
+                .run();
+        });
     }
-}
-
-/// Walks the tree. Every entry must be the key of the row that it names; as no entry is there twice, rows and entries
-/// are one to one when besides every row that needs an entry has one.
-void TableCheck::checkIndex(std::size_t position)
-{
-    const RealIndex& index = definition_.realIndexes[position];
-    const std::string name = "index " + std::to_string(position);
-    const IndexTree tree(*pager_, first_, index.root, index.pages);
-    const IndexKeyEncoder encoder(definition_, index);
-    const RowStore store(*pager_, first_, definition_.ownedPages, definition_.pagesWithSpace);
-    const bool primary = isPrimaryKey(definition_, position);
-    const auto keyOf = [&](const StoredRow& row) {
-        const RowView view(*layout_, row.bytes);
-        std::vector<Value> values;
-        for (const std::uint16_t number : encoder.columnNumbers()) {
-            values.push_back(readValue(*pager_, view, *definition_.columnByNumber(number)));
-        }
-        return encoder.encode(values);
-    };
-
-    RowSet entries;
-    Bytes previous;
-    const auto checkEntry = [&](ByteView key, RowPointer row) {
-        const std::string where = wordsFor(row);
-        if (!rows_.contains(row)) {
-            damage(index.root, name + " has an entry for " + where + ", where no row is");
-            return;
-        }
-        if (!entries.insert(row)) {
-            damage(index.root, name + " has two entries for " + where);
-            return;
-        }
-        if (!encoder.canEncode() || badRows_.contains(row)) {
-            return;
-        }
-        const auto stored = store.read(row);
-        const IndexKey expected = stored ? keyOf(*stored) : IndexKey{};
-        if (!std::equal(key.begin(), key.end(), expected.bytes.begin(), expected.bytes.end())) {
-            damage(index.root, name + " has another key for " + where + " than the row");
-        } else if ((index.isRequired() || primary) && expected.anyNull) {
-            damage(index.root, name + " allows no nulls, but " + where + " has one");
-        } else if (index.ignoresNulls() && expected.allNull) {
-            damage(index.root, name + " leaves out nulls, but has an entry for " + where);
-        } else if ((index.isUnique() || primary) && !expected.allNull && expected.bytes == previous) {
-            damage(index.root, name + " allows no duplicates, but " + where + " has the key of the row before it");
-        }
-        previous = expected.bytes;
-    };
-    const auto faults = tree.check([&](ByteView key, RowPointer row) {
-        guard(index.root, name + ", entry for " + wordsFor(row), [&] { checkEntry(key, row); });
-    });
-    for (const TreeFault& fault : faults) {
-        damage(fault.page, name + ": " + fault.text);
-    }
-    if (!rowsAreSound_ || entries.size() == rows_.size()) {
-        return;
-    }
-    for (RowStore::Cursor rows = store.scan(); rows.next();) {
-        const RowPointer address = rows.row().address;
-        const bool wanted = !index.ignoresNulls() || (encoder.canEncode() && !keyOf(rows.row()).allNull);
-        if (wanted && !entries.contains(address)) {
-            damage(index.root, name + " has no entry for " + wordsFor(address));
-        }
-    }
+    sound_ = sound_ && faults_->size() == faultsBefore;
 }
 
 } // namespace jet

@@ -52,7 +52,6 @@ private:
     void checkUnreferencedLongValues();
     void checkCounters();
     void checkIndexes();
-    void checkIndex(std::size_t position);
 
     Pager* pager_;
     FaultList* faults_;
