@@ -70,8 +70,8 @@ public:
 
     /// A file made by Create can be read and written by its owner alone.
     [[nodiscard]] virtual std::unique_ptr<File> open(const std::string& path, OpenMode mode) = 0;
-    /// As open() with Create; whoever may read or write the model may do so with the new file, and its owner may in any
-    /// case.
+    /// As open() with Create; whoever may read or write the model may do so with the new file as far as the system lets
+    /// us say so, never anybody else but its owner, who may in any case.
     [[nodiscard]] virtual std::unique_ptr<File> createLike(const std::string& path, const std::string& model) = 0;
     /// The one path of the file whatever links lead to it, so that all who open it look for its journal in one place.
     [[nodiscard]] virtual std::string resolve(const std::string& path) = 0;

@@ -9,8 +9,9 @@
 // Whoever takes Shared passes through the pending byte (read, then given back). A writer that waits for the last reader
 // to leave holds it, so new readers queue behind the writer and cannot starve it.
 //
-// Going up, the bytes are claimed in the order of the columns. A connection that waits for the reserved byte thus holds
-// nothing that would keep the present writer from finishing.
+// Going up, the bytes are claimed in the order of the columns. A connection that comes from None and waits for the
+// reserved byte thus holds nothing that would keep the present writer from finishing. One that comes from Shared does
+// hold the writer up, until the patience of either is over.
 #pragma once
 
 #include "jet/disk/file.h"
@@ -20,7 +21,8 @@
 
 namespace jet {
 
-enum class LockByte { Pending, Reserved, Shared };
+/// Their places behind the first lockable byte; all versions of the program have to agree on them.
+enum class LockByte { Pending = 0, Reserved = 1, Shared = 2 };
 enum class ByteLock { None, Read, Write };
 
 /// Three bytes that can be locked for reading by many or for writing by one.

@@ -111,8 +111,9 @@ void Pager::commit()
             if (undoCommit(fileTouched)) {
                 throw;
             }
-            throw Error(error.code(), std::string(error.what()) + ". What was written of the change could not be "
-                                                                  "taken back; open the file again to repair it");
+            // Io whatever the cause: the words for a full disk say that nothing was kept.
+            throw Error(ErrorCode::Io, std::string(error.what()) + ". What was written of the change could not be "
+                                                                   "taken back; open the file again to repair it");
         } catch (...) {
             undoCommit(fileTouched);
             throw;
@@ -210,6 +211,14 @@ void Pager::requireSavepoint(Savepoint savepoint) const
     }
 }
 
+void Pager::requireInPlace() const
+{
+    if (!file_->isInPlace()) {
+        throw Error(ErrorCode::Replaced,
+                    "The file " + path_ + " was moved, removed or replaced while it was open; open it again");
+    }
+}
+
 void Pager::requireInFile(PageNumber number) const
 {
     if (number >= pageCount()) {
@@ -226,10 +235,7 @@ void Pager::takeLock(LockLevel level)
 {
     file_->lock(level, patience_);
     try {
-        if (!file_->isInPlace()) {
-            throw Error(ErrorCode::Replaced,
-                        "The file " + path_ + " was moved, removed or replaced while it was open; open it again");
-        }
+        requireInPlace();
         if (journal_.isThere()) {
             recover(level);
         }
@@ -256,6 +262,7 @@ void Pager::recover(LockLevel level)
         file_->lock(LockLevel::None, patience_);
     }
     file_->lock(LockLevel::Exclusive, patience_);
+    requireInPlace(); // while no lock was held, another may have repaired the file and replaced it
     if (journal_.isThere()) {
         journal_.rollBack(*file_);
     }

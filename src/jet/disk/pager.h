@@ -86,7 +86,7 @@ public:
     /// A new page, all zero, at the end of the file. Throws Overflow at 2 GiB.
     [[nodiscard]] PageNumber append();
     /// Durable when it returns; when it throws, the transaction is rolled back, in the file too. Only where that failed
-    /// as well does the message say so, and the pager is Failed.
+    /// as well does the message say so: the code is Io then, and the pager is Failed.
     void commit();
     /// Does nothing when no transaction is in progress.
     void rollback() noexcept;
@@ -119,6 +119,7 @@ private:
     void requireTransaction() const;
     void requireSavepoint(Savepoint savepoint) const;
     void requireInFile(PageNumber page) const;
+    void requireInPlace() const;
 
     void takeLock(LockLevel level);
     void recover(LockLevel level);

@@ -195,14 +195,19 @@ public:
     }
 
     /// Gives the file the owner, group and rights of another, as far as the system lets us; never more rights, but its
-    /// owner can always use it.
+    /// owner can always use it. Before that the file is its maker's alone.
     void takeRightsOf(const struct stat& model)
     {
+        constexpr auto kSameOwner = static_cast<uid_t>(-1);
+        constexpr auto kSameGroup = static_cast<gid_t>(-1);
         mode_t mode = model.st_mode & (S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH);
         const struct stat own = status();
-        if ((own.st_uid != model.st_uid || own.st_gid != model.st_gid) &&
-            ::fchown(descriptor_.get(), model.st_uid, model.st_gid) != 0) {
-            mode &= S_IRUSR | S_IWUSR;
+        if (own.st_gid != model.st_gid && ::fchown(descriptor_.get(), kSameOwner, model.st_gid) != 0) {
+            mode &= S_IRUSR | S_IWUSR; // what the model grants its group must not go to another one
+        }
+        if (own.st_uid != model.st_uid && ::fchown(descriptor_.get(), model.st_uid, kSameGroup) != 0) {
+            // Nobody but the superuser gives a file away. Who shares it through the group goes on sharing it, and
+            // the others have what others had.
         }
         mode |= S_IRUSR | S_IWUSR;
         retried("set the rights of", path_, [&] { return ::fchmod(descriptor_.get(), mode); });

@@ -71,8 +71,8 @@ void UnfinishedFile::finish()
     if (copy_ != nullptr && !copy_->isInPlace()) {
         throw Error(ErrorCode::Io, "The file " + path_ + " was moved or removed before it was finished");
     }
-    finished_ = true;
     renameDurably(*fileSystem_, path_, finalPath_);
+    finished_ = true;
 }
 
 void UnfinishedFile::removeLeftovers()

@@ -22,7 +22,8 @@ void renameDurably(FileSystem& fileSystem, const std::string& from, const std::s
 class UnfinishedFile
 {
 public:
-    /// Removes what an earlier attempt left; throws Locked where that attempt is still at work.
+    /// Removes what an earlier attempt left; throws Locked where that is a copy still being
+    /// made.
     UnfinishedFile(FileSystem& fileSystem, std::string finalPath);
     UnfinishedFile(const UnfinishedFile&) = delete;
     UnfinishedFile& operator=(const UnfinishedFile&) = delete;

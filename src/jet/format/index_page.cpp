@@ -197,6 +197,8 @@ void IndexPage::insertInPlace(Page& page, std::size_t position, ByteView entry) 
         markEnd(page, ends_[i] + rest.size(), true);
     }
     putU16(bytes, kFree, static_cast<std::uint16_t>(kIndexEntryArea - used() - rest.size()));
+    // What a page without entries states of a prefix means nothing; from now on it would.
+    putU16(bytes, kPrefix, static_cast<std::uint16_t>(prefix_));
 }
 
 bool IndexPage::canEraseInPlace(std::size_t position) const

@@ -151,9 +151,6 @@ PageNumber PageAllocator::allocate(PageNumber after)
         pager_->modify(*page).fill(std::byte{0});
         return *page;
     }
-    if (pager_->pageCount() >= kMaxPageCount) {
-        throw Error(ErrorCode::DiskFull, "The file has reached its largest size, 2 gigabytes");
-    }
     const PageNumber page = pager_->append();
     GlobalMap(*pager_).setUsed(page);
     return page;

@@ -12,6 +12,7 @@ public:
     explicit PageAllocator(Pager& pager);
 
     /// The lowest free page above `after`, or a new one at the end of the file. All zero; its old content is gone.
+    /// Throws Overflow at 2 GiB.
     [[nodiscard]] PageNumber allocate(PageNumber after = 0);
     /// Gives the page back: marks its type as freed and the page as free. It must be in no other map any more.
     void free(PageNumber page);

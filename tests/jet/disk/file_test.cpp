@@ -7,8 +7,10 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <grp.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace jet {
@@ -338,6 +340,68 @@ TEST_F(RealFile, AFileLikeAnotherTakesItsRights)
     ASSERT_EQ(::chmod(path().c_str(), 0664), 0);
     static_cast<void>(posixFileSystem().createLike(path("b"), path()));
     EXPECT_EQ(modeOf(path("b")), 0664U);
+}
+
+/// Somebody who shares a folder with the owner of a file through a group. For the superuser, who can be anybody.
+class SharedFolder : public RealFile
+{
+protected:
+    static constexpr uid_t kOwner = 65533;
+    static constexpr uid_t kOther = 65532;
+    static constexpr gid_t kGroup = 65531;
+    static constexpr gid_t kOtherGroup = 65530;
+
+    void SetUp() override
+    {
+        if (::geteuid() != 0) {
+            GTEST_SKIP() << "only the superuser can make files of others";
+        }
+        make("abc");
+        const std::string folder = std::filesystem::path(path()).parent_path();
+        ASSERT_EQ(::chown(path().c_str(), kOwner, kGroup), 0);
+        ASSERT_EQ(::chown(folder.c_str(), kOwner, kGroup), 0);
+        ASSERT_EQ(::chmod(folder.c_str(), 0775), 0);
+    }
+
+    /// What a file like the other has when the other person makes it: owner, group, rights.
+    std::tuple<uid_t, gid_t, mode_t> madeByTheOther(gid_t group, mode_t rights)
+    {
+        EXPECT_EQ(::chmod(path().c_str(), rights), 0);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (::setgroups(1, &kGroup) != 0 || ::setgid(group) != 0 || ::setuid(kOther) != 0) {
+                ::_exit(2);
+            }
+            try {
+                static_cast<void>(posixFileSystem().createLike(path("b"), path()));
+            } catch (const Error&) {
+                ::_exit(3);
+            }
+            ::_exit(0);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(WEXITSTATUS(status), 0);
+        struct stat made = {};
+        EXPECT_EQ(::stat(path("b").c_str(), &made), 0);
+        return {made.st_uid, made.st_gid, made.st_mode & 07777U};
+    }
+};
+
+TEST_F(SharedFolder, WhatAMemberOfTheGroupMakesLikeAFileTheWholeGroupCanUse)
+{
+    EXPECT_EQ(madeByTheOther(kGroup, 0660), std::tuple(kOther, kGroup, 0660U));
+}
+
+TEST_F(SharedFolder, AMemberWhoseFilesHaveAnotherGroupGivesThemToTheGroupOfTheModel)
+{
+    EXPECT_EQ(madeByTheOther(kOtherGroup, 0640), std::tuple(kOther, kGroup, 0640U));
+}
+
+TEST_F(SharedFolder, WhatTheGroupOfTheModelMayGoesToNoOtherGroup)
+{
+    ASSERT_EQ(::chown(path().c_str(), kOwner, kOtherGroup - 1), 0); // a group that the other is not in
+    EXPECT_EQ(madeByTheOther(kOtherGroup, 0666), std::tuple(kOther, kOtherGroup, 0600U));
 }
 
 TEST_F(RealFile, AFileLikeOneThatMayOnlyBeReadCanBeWrittenByItsOwner)

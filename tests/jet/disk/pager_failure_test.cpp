@@ -233,6 +233,42 @@ TEST(FailedCommit, WhoseEndIsNotDurableIsTakenBack)
     EXPECT_EQ(marks(pager), (std::vector{1, 2}));
 }
 
+/// The disk is full from the first write to the file on.
+class FullDisk final : public ForwardingFileSystem
+{
+    class DiaryFile final : public ForwardingFile
+    {
+    public:
+        using ForwardingFile::ForwardingFile;
+        void writeAt(std::uint64_t /*offset*/, ByteView /*bytes*/) override
+        {
+            throw Error(ErrorCode::DiskFull, "No space is left");
+        }
+    };
+
+public:
+    using ForwardingFileSystem::ForwardingFileSystem;
+    std::unique_ptr<File> open(const std::string& path, OpenMode mode) override
+    {
+        std::unique_ptr<File> file = ForwardingFileSystem::open(path, mode);
+        return path == kPath ? std::make_unique<DiaryFile>(std::move(file)) : std::move(file);
+    }
+};
+
+TEST(FailedCommit, ThatCannotBeTakenBackIsNoFullDisk)
+{
+    // Where the disk is full nothing of a change is kept. Here it is not known what is.
+    MemoryFileSystem disk;
+    disk.setContent(kPath, filledPages({1, 2}));
+    FullDisk full(disk);
+    Pager pager(full, kPath, OpenMode::ReadWrite, impatient());
+    pager.begin();
+    mark(pager, 1, 22);
+    EXPECT_THAT([&] { pager.commit(); }, throwsError(ErrorCode::Io, "No space is left. What was written"));
+    EXPECT_THAT([&] { pager.begin(); }, throwsError(ErrorCode::Io, "open the file again"));
+    EXPECT_EQ(marksOfFile(disk), (std::vector{1, 2}));
+}
+
 /// Fails when the journal's going is made durable, and again when the journal is to have its name back.
 class NoWayBack final : public ForwardingFileSystem
 {

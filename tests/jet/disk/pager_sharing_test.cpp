@@ -262,6 +262,20 @@ TEST_F(TwoConnectionsAndACrash, OneMayBeQuickerToTakeItBack)
     EXPECT_EQ(marks(slow), (std::vector{1, 77, 3}));
 }
 
+TEST_F(TwoConnectionsAndACrash, OneMayBeQuickerAndReplaceTheFileToo)
+{
+    MomentFileSystem moments(disk);
+    Pager slow(moments, kPath, OpenMode::ReadWrite, impatient());
+    crashOfAnother();
+    moments.happen = [&] {
+        EXPECT_EQ(marksOfFile(disk), (std::vector{1, 2, 3}));
+        disk.setContent("new", filledPages({7, 8}));
+        disk.rename("new", kPath);
+    };
+    EXPECT_THAT([&] { slow.beginRead(); }, throwsError(ErrorCode::Replaced, "moved, removed or replaced"));
+    EXPECT_EQ(marksOfFile(disk), (std::vector{7, 8}));
+}
+
 TEST_F(TwoConnectionsAndACrash, WhileAReaderIsThereItCannotBeTakenBackYet)
 {
     Pager pager = open();
@@ -301,6 +315,19 @@ TEST_F(RealPager, ChangesARealFile)
     Pager pager(posixFileSystem(), path, OpenMode::ReadOnly);
     EXPECT_EQ(marks(pager), (std::vector{1, 77, 3, 78}));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(std::filesystem::path(path).parent_path()), {}), 1);
+}
+
+TEST_F(RealPager, AFileOf2GiBGrowsNoMore)
+{
+    // All but the first pages are a hole, which takes no room on the disk.
+    std::filesystem::resize_file(path, std::uint64_t{kMaxPageCount} * kPageSize);
+    Pager pager(posixFileSystem(), path, OpenMode::ReadWrite, impatient());
+    pager.begin();
+    EXPECT_THAT([&] { static_cast<void>(pager.append()); }, throwsError(ErrorCode::Overflow, "2 GiB"));
+    mark(pager, kMaxPageCount - 1, 7);
+    pager.commit();
+    EXPECT_EQ(markOf(pager, kMaxPageCount - 1), 7);
+    EXPECT_EQ(markOf(pager, 2), 3);
 }
 
 TEST_F(RealPager, AProcessThatIsKilledWhileItCommitsLeavesTheOldState)

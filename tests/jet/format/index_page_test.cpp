@@ -324,6 +324,18 @@ TEST(IndexPage, ChangesInPlaceGiveThePageThatWritingItAnewGives)
     EXPECT_GT(insertedBehindAPrefix, 100U);
 }
 
+TEST(IndexPage, APrefixThatAnEmptiedPageStillStatesIsGoneWithItsFirstEntry)
+{
+    constexpr std::size_t kPrefix = 24;
+    Page page = encoded(leafOf({}));
+    putU16(MutableBytes(page), kPrefix, 20); // as another program may leave it
+    const Bytes entry = makeLeafEntry(keyOf(1), {0x3A3, 0});
+    const IndexPage empty = read(page);
+    ASSERT_TRUE(empty.hasRoomInPlace(0, entry));
+    empty.insertInPlace(page, 0, entry);
+    EXPECT_EQ(entriesOf(read(page)), std::vector<Bytes>{entry});
+}
+
 TEST(IndexPage, AFirstEntryIsNotErasedInPlaceWhenItCarriesThePrefix)
 {
     std::vector<Bytes> entries;
