@@ -7,6 +7,7 @@
 #include "jet/format/header_page.h"
 #include "jet/store/page_allocator.h"
 #include "jet/store/usage_map.h"
+#include "jet/system_tables.h"
 
 #include <algorithm>
 #include <memory>
@@ -15,8 +16,6 @@
 namespace jet {
 
 namespace {
-
-constexpr std::array<const char*, 4> kSystemTableNames{"MSysObjects", "MSysACEs", "MSysQueries", "MSysRelationships"};
 
 /// The type of a definition page in use.
 constexpr std::byte kDefinitionPage{2};

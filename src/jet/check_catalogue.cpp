@@ -2,11 +2,12 @@
 
 #include "jet/disk/error.h"
 #include "jet/format/index_key.h"
-#include "jet/format/text_key.h"
 #include "jet/format/utf.h"
+#include "jet/names.h"
 #include "jet/store/index_tree.h"
 #include "jet/store/long_value_store.h"
 #include "jet/store/row_store.h"
+#include "jet/system_tables.h"
 
 #include <algorithm>
 #include <set>
@@ -16,12 +17,10 @@ namespace jet {
 
 namespace {
 
-constexpr std::int32_t kTableType = 1;
-constexpr std::int32_t kQueryType = 5;
-constexpr std::int32_t kRelationshipType = 8;
-/// The parent of the outermost containers; it has no row of its own.
-constexpr std::int32_t kRootId = 0x0F000000;
-constexpr std::uint32_t kNotEnforced = 0x2;
+bool isOf(ObjectType type, std::int32_t stored)
+{
+    return stored == static_cast<std::int32_t>(type);
+}
 
 template <typename Number>
 std::optional<std::int32_t> number(const TableDefinition& definition, const RowView& row, const char* column)
@@ -44,11 +43,6 @@ std::string text(const TableDefinition& definition, const RowView& row, const ch
     const Value value = row.value(*found);
     const auto* held = std::get_if<std::u16string>(&value);
     return held == nullptr ? std::string() : toUtf8(*held);
-}
-
-bool sameName(const std::string& a, const std::string& b)
-{
-    return textsEqual(toUtf16(a), toUtf16(b));
 }
 
 const LogicalIndex* indexNumbered(const TableDefinition& definition, std::int32_t number)
@@ -79,7 +73,7 @@ void CatalogueCheck::addObject(const TableCheck& objects, RowPointer address, co
         faults_->add(address.page, "The catalogue has the id " + std::to_string(*id) + " twice");
         return;
     }
-    if (*type == kTableType) {
+    if (isOf(ObjectType::Table, *type)) {
         tables_.push_back({name, static_cast<PageNumber>(*id)});
     }
 }
@@ -137,7 +131,7 @@ const TableCheck* CatalogueCheck::tableNamed(const std::string& name) const
 void CatalogueCheck::checkObjects()
 {
     for (const auto& [id, object] : objects_) {
-        if (object.parent != kRootId && !objects_.contains(object.parent)) {
+        if (object.parent != object_id::kRoot && !objects_.contains(object.parent)) {
             faults_->add(object.address.page,
                          "The catalogue's \"" + object.name + "\" is in a container that is not there");
         }
@@ -151,7 +145,7 @@ void CatalogueCheck::checkReferences()
 {
     for (const Reference& row : queryRows_) {
         const auto found = objects_.find(row.object);
-        if (found == objects_.end() || found->second.type != kQueryType) {
+        if (found == objects_.end() || !isOf(ObjectType::Query, found->second.type)) {
             faults_->add(row.address.page,
                          "Row " + std::to_string(row.address.row) + " of MSysQueries belongs to no query");
         }
@@ -176,14 +170,14 @@ void CatalogueCheck::checkRelationships()
             faults_->add(row.address.page, what + "does not number its columns from 0 to their count");
         }
         if (std::none_of(objects_.begin(), objects_.end(), [&](const auto& object) {
-                return object.second.type == kRelationshipType && sameName(object.second.name, row.name);
+                return isOf(ObjectType::Relationship, object.second.type) && sameName(object.second.name, row.name);
             })) {
             faults_->add(row.address.page, what + "is not in the catalogue");
         }
         checkRelationshipSide(row, row.referencingTable, row.referencingColumn);
         checkRelationshipSide(row, row.referencedTable, row.referencedColumn);
         const TableCheck* referencing = tableNamed(row.referencingTable);
-        if ((static_cast<std::uint32_t>(row.flags) & kNotEnforced) == 0 && referencing != nullptr &&
+        if ((static_cast<std::uint32_t>(row.flags) & relationship_flag::kNotEnforced) == 0 && referencing != nullptr &&
             std::none_of(referencing->definition().logicalIndexes.begin(),
                          referencing->definition().logicalIndexes.end(), [&](const LogicalIndex& index) {
                              return index.kind == LogicalIndex::Kind::ForeignKey && sameName(index.name, row.name);

@@ -85,24 +85,12 @@ public:
             if (newId.has_value()) {
                 values[*id] = *newId;
             }
-            addEntry(i, to_->indexes[i].keyOf(values), address);
+            to_->addEntry(i, to_->indexes[i].keyOf(values), address);
         }
         ++to_->definition.rowCount;
     }
 
 private:
-    void addEntry(std::size_t position, const IndexKey& key, RowPointer address)
-    {
-        TableIndex& index = to_->indexes[position];
-        if (!index.holds(key)) {
-            return;
-        }
-        if (index.unique || !index.tree.isTaken(key.bytes)) {
-            ++to_->definition.realIndexes[position].distinctKeys;
-        }
-        index.tree.insert(key.bytes, address);
-    }
-
     Pager* source_;
     const LoadedTable* from_;
     LoadedTable* to_;

@@ -79,7 +79,8 @@ public:
     [[nodiscard]] bool inTransaction() const;
 
     /// The full structural check: every page owned once, usage maps against pages, row directories, index order and
-    /// completeness both ways, counters, catalogue, relationships. Empty when the file is sound. Reads the whole file.
+    /// completeness both ways, counters, catalogue, relationships. Without damage the file is sound. Reads the whole
+    /// file.
     [[nodiscard]] std::vector<Fault> check();
 
     // --- The file as a whole: safekeeping ---

@@ -48,9 +48,8 @@ void addSystemObjects(CatalogueWriter& writer, const Catalogue::SystemPages& pag
     add(kDatabases, kRoot, "Databases", ObjectType::Container, Account::Engine);
     add(kRelationships, kRoot, "Relationships", ObjectType::Container, Account::Engine);
     add(kMSysDb, kDatabases, "MSysDb", ObjectType::Database, Account::Admin);
-    constexpr std::array kNames{"MSysObjects", "MSysACEs", "MSysQueries", "MSysRelationships"};
     for (std::size_t i = 0; i < pages.size(); ++i) {
-        add(static_cast<std::int32_t>(pages[i]), kTables, kNames[i], ObjectType::Table, Account::Engine);
+        add(static_cast<std::int32_t>(pages[i]), kTables, kSystemTableNames[i], ObjectType::Table, Account::Engine);
     }
 }
 

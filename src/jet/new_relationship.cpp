@@ -14,7 +14,6 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kMaximumPairs = 10;
-constexpr std::size_t kMaximumIndexes = 32;
 
 /// One table of the relationship, with the columns that take part in it.
 struct Side {
@@ -130,17 +129,14 @@ void chooseReferencedIndex(Side& referenced, Side& referencing)
 void fillIndex(Pager& pager, const Side& side)
 {
     const std::shared_ptr<LoadedTable> loaded = side.loaded();
-    TableIndex& index = loaded->indexes[side.realIndex];
-    std::uint32_t& distinct = loaded->definition.realIndexes[side.realIndex].distinctKeys;
+    const TableIndex& index = loaded->indexes[side.realIndex];
     for (RowStore::Cursor cursor = loaded->rows.scan(); cursor.next();) {
         const RowView row(loaded->layout, cursor.row().bytes);
         const IndexKey key = index.keyOf(loaded->keyValues(pager, index, row));
-        const bool taken = index.tree.isTaken(key.bytes);
-        if (taken && index.mustBeAlone(key)) {
+        if (index.mustBeAlone(key) && index.tree.isTaken(key.bytes)) {
             throw Error(ErrorCode::DuplicateKey, "Two rows of the table \"" + side.tableName + "\" have the same key");
         }
-        distinct += taken ? 0U : 1U;
-        index.tree.insert(key.bytes, cursor.row().address);
+        loaded->addEntry(side.realIndex, key, cursor.row().address);
     }
     TableDefinitionStore(pager).saveCounters(side.table->page(), loaded->definition);
 }

@@ -13,7 +13,6 @@ namespace jet {
 
 namespace {
 
-constexpr std::size_t kMaximumIndexes = 32;
 constexpr std::uint16_t kLongestText = 255;
 constexpr std::uint16_t kLongestBinary = 510;
 constexpr std::uint8_t kMostDigits = 28;

@@ -132,7 +132,7 @@ RowPointer RowWriter::insert(StoredTable& table, std::span<const ColumnValue> va
     }
     const RowPointer address = loaded->rows.insert(builder.encode());
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        addEntry(*loaded, i, keys[i], address);
+        loaded->addEntry(i, keys[i], address);
     }
     ++definition.rowCount;
     saveCounters(table, *loaded);
@@ -194,7 +194,7 @@ void RowWriter::update(StoredTable& table, RowPointer address, std::span<const C
     loaded->rows.update(address, builder.encode());
     for (const KeyChange& key : change.keys) {
         removeEntry(*loaded, key.index, key.before, address);
-        addEntry(*loaded, key.index, key.after, address);
+        loaded->addEntry(key.index, key.after, address);
     }
     saveCounters(table, *loaded);
     for (const auto& [child, row] : followers) {
@@ -359,18 +359,6 @@ const std::vector<ColumnRules>& RowWriter::rulesOf(StoredTable& table)
         loaded->rules = tables_->facts().rulesOf(table.page(), *loaded);
     }
     return *loaded->rules;
-}
-
-void RowWriter::addEntry(LoadedTable& table, std::size_t index, const IndexKey& key, RowPointer address)
-{
-    TableIndex& target = table.indexes[index];
-    if (!target.holds(key)) {
-        return;
-    }
-    if (target.unique || !target.tree.isTaken(key.bytes)) {
-        ++table.definition.realIndexes[index].distinctKeys;
-    }
-    target.tree.insert(key.bytes, address);
 }
 
 void RowWriter::removeEntry(LoadedTable& table, std::size_t index, const IndexKey& key, RowPointer address)

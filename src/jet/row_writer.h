@@ -62,7 +62,6 @@ private:
     /// `depth`: updates that set this one off.
     void update(StoredTable& table, RowPointer address, std::span<const ColumnValue> values, unsigned depth);
     void eraseOne(const RowAt& row, const StoredRow& stored, std::vector<RowAt>& doomed);
-    void addEntry(LoadedTable& table, std::size_t index, const IndexKey& key, RowPointer address);
     void removeEntry(LoadedTable& table, std::size_t index, const IndexKey& key, RowPointer address);
     [[nodiscard]] Value slotValue(const LoadedTable& table, const Column& column, const Value& value);
     void freeLongValue(const LoadedTable& table, const Column& column, const RowView& row);

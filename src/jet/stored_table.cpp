@@ -76,6 +76,18 @@ LoadedTable::LoadedTable(Pager& pager, PageNumber page)
     }
 }
 
+void LoadedTable::addEntry(std::size_t index, const IndexKey& key, RowPointer row)
+{
+    TableIndex& target = indexes[index];
+    if (!target.holds(key)) {
+        return;
+    }
+    if (target.unique || !target.tree.isTaken(key.bytes)) {
+        ++definition.realIndexes[index].distinctKeys;
+    }
+    target.tree.insert(key.bytes, row);
+}
+
 RowValues LoadedTable::keyValues(Pager& pager, const TableIndex& index, const RowView& row) const
 {
     RowValues values = emptyRow();

@@ -62,6 +62,9 @@ struct LoadedTable {
     std::optional<std::vector<RelationshipEnd>> parents;
     std::optional<std::vector<RelationshipEnd>> children;
 
+    /// Adds a row's entry to an index, unless it has none there, and counts its key where it is the first of its kind.
+    void addEntry(std::size_t index, const IndexKey& key, RowPointer row);
+
     /// The values of a stored row that the index's key is made of; the others are null.
     [[nodiscard]] RowValues keyValues(Pager& pager, const TableIndex& index, const RowView& row) const;
     [[nodiscard]] RowValues emptyRow() const { return RowValues(columnNumbers_); }

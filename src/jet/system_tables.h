@@ -11,6 +11,10 @@
 
 namespace jet {
 
+/// In the order in which the header lists their pages.
+inline constexpr std::array<const char*, 4> kSystemTableNames{"MSysObjects", "MSysACEs", "MSysQueries",
+                                                              "MSysRelationships"};
+
 // Columns by number; the same in every file.
 enum class ObjectColumn : std::uint16_t {
     Id,

@@ -2,15 +2,9 @@
 
 #include "jet/format/row_codec.h"
 
-#include <cmath>
-
 namespace jet {
 
 namespace {
-
-/// 1 January 100 and 1 January 10000: dates lie from the one up to the other.
-constexpr double kFirstDay = -657434;
-constexpr double kPastLastDay = 2958466;
 
 [[noreturn]] void refuse(ErrorCode code, const Column& column, const std::string& why)
 {
@@ -27,20 +21,9 @@ void requireType(const Column& column, const Value& value)
 
 /// Minus zero becomes zero: the two are equal to everybody but an index, which compares bits.
 template <typename Number>
-[[nodiscard]] Number checkedNumber(const Column& column, Number number)
+[[nodiscard]] Number withoutMinusZero(Number number)
 {
-    if (!std::isfinite(number)) {
-        refuse(ErrorCode::InvalidArgument, column, "was given something that is not a number");
-    }
     return number == 0 ? Number{0} : number;
-}
-
-[[nodiscard]] DateTime checkedDate(const Column& column, DateTime date)
-{
-    if (!(date.days > kFirstDay - 1 && date.days < kPastLastDay)) {
-        refuse(ErrorCode::InvalidArgument, column, "was given a date before the year 100 or after 9999");
-    }
-    return {checkedNumber(column, date.days)};
 }
 
 /// The value as it reads once it is stored.
@@ -89,13 +72,13 @@ Value checkedValue(const Column& column, const ColumnRules& rules, const Value& 
     }
     Value stored = storedValue(column, value);
     if (const float* single = std::get_if<float>(&stored)) {
-        return checkedNumber(column, *single);
+        return withoutMinusZero(*single);
     }
     if (const double* number = std::get_if<double>(&stored)) {
-        return checkedNumber(column, *number);
+        return withoutMinusZero(*number);
     }
     if (const DateTime* date = std::get_if<DateTime>(&stored)) {
-        return checkedDate(column, *date);
+        return DateTime{withoutMinusZero(date->days)};
     }
     if (const std::u16string* text = std::get_if<std::u16string>(&stored);
         text != nullptr && text->empty() && !rules.allowsZeroLength) {

@@ -27,7 +27,8 @@ struct LongValue {
     ByteView inlineBytes; ///< the value, when inline; lies in the slot that was decoded
 };
 
-/// From a variable slot. A slot without bytes is an empty inline value. Throws Corrupt.
+/// From a variable slot. A slot without bytes is an empty inline value; a row view takes it for a null before. Throws
+/// Corrupt.
 [[nodiscard]] LongValue decodeLongValue(ByteView slot);
 /// The slot's bytes. Throws ValueTooLong past kMaximumLongValueLength.
 [[nodiscard]] Bytes encodeLongValue(const LongValue& value);

@@ -105,6 +105,9 @@ struct LongValueMaps {
     RowPointer withSpace; ///< page 0: there is none
 };
 
+/// Real indexes of one table, those of relationships included.
+inline constexpr std::size_t kMaximumIndexes = 32;
+
 struct TableDefinition {
     static constexpr std::uint8_t kUserTable = 0x4E;   ///< "N" in the file
     static constexpr std::uint8_t kSystemTable = 0x53; ///< "S"

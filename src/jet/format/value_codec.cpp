@@ -118,7 +118,7 @@ Bytes encodeDateTime(const Column& column, const Value& value)
 {
     const double days = wanted<DateTime>(column, value).days;
     if (!(days > kFirstDay - 1 && days < kAfterLastDay)) { // not a number fails too
-        throwOverflow(column);
+        throw Error(ErrorCode::Overflow, "Column " + column.name + " takes dates of the years 100 to 9999");
     }
     return littleEndian(std::bit_cast<std::uint64_t>(days));
 }
