@@ -118,6 +118,13 @@ qint16 toInteger(const Value& value)
     return toWhole<qint16>(value);
 }
 
+std::optional<qint32> asLong(double wholeNumber)
+{
+    using Long = std::numeric_limits<qint32>;
+    const bool fits = wholeNumber >= Long::min() && wholeNumber <= Long::max();
+    return fits ? std::optional(static_cast<qint32>(wholeNumber)) : std::nullopt;
+}
+
 QString toText(const Value& value)
 {
     return std::visit(ToText{}, value);

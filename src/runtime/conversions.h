@@ -6,6 +6,8 @@
 #include <QLocale>
 #include <QString>
 
+#include <optional>
+
 namespace runtime {
 
 /// The locale in force: decimal sign, names of months and weekdays. QLocale() (the user's) unless a test sets another.
@@ -22,6 +24,9 @@ namespace runtime {
 [[nodiscard]] Date toDate(const Value& value);      ///< text: see isDate; a number counts days
 [[nodiscard]] qint32 toLong(const Value& value);    ///< rounds half to even
 [[nodiscard]] qint16 toInteger(const Value& value); ///< rounds half to even
+
+/// A whole number as a Long; none where no Long holds it.
+[[nodiscard]] std::optional<qint32> asLong(double wholeNumber);
 
 /// A value as plain text: a date-time as dd/mm/yyyy hh:mm:ss, its time left out at exactly midnight; null as ""; a
 /// number in up to 15 significant digits with the decimal sign of the locale in force; true and false as "True" and

@@ -43,17 +43,17 @@ TEST_P(ExpressionValue, IsAsExpected)
     EXPECT_EQ(result, QString::fromUtf8(GetParam().value));
 }
 
-INSTANTIATE_TEST_SUITE_P(Arithmetic, ExpressionValue,
-                         testing::Values(Case{"1 + 2 * 3", "7"}, Case{"(1 + 2) * 3", "9"}, Case{"7 / 2", "3.5"},
-                                         Case{"6 / 2", "3.0"}, Case{"7 \\ 2", "3"}, Case{"-7 \\ 2", "-3"},
-                                         Case{"7.5 \\ 2", "4"}, Case{"6.5 \\ 2", "3"}, Case{"-7 Mod 3", "-1"},
-                                         Case{"10 Mod 4 + 1", "3"}, Case{"2 * 7 Mod 4", "2"}, Case{"12 \\ 5 * 2", "1"},
-                                         Case{"2 ^ 3 ^ 2", "64.0"}, Case{"-2 ^ 2", "-4.0"}, Case{"2 ^ -1", "0.5"},
-                                         Case{"1.5 + 1", "2.5"}, Case{"- -3", "3"}, Case{"1e3", "1000.0"},
-                                         Case{".5 * 4", "2.0"}, Case{"BloodSugerLevel * 2", "25.0"},
-                                         Case{"10 - 2 - 3", "5"}, Case{"100 / 10 / 5", "2.0"},
-                                         Case{"10 - (2 - 3)", "11"}, Case{"'5' + 1", "6.0"}, Case{"'5' * '2'", "10.0"},
-                                         Case{"-'3'", "-3.0"}, Case{"True + True", "-2"}, Case{"-True", "1"}));
+INSTANTIATE_TEST_SUITE_P(
+    Arithmetic, ExpressionValue,
+    testing::Values(Case{"1 + 2 * 3", "7"}, Case{"(1 + 2) * 3", "9"}, Case{"7 / 2", "3.5"}, Case{"6 / 2", "3.0"},
+                    Case{"7 \\ 2", "3"}, Case{"-7 \\ 2", "-3"}, Case{"7.5 \\ 2", "4"}, Case{"6.5 \\ 2", "3"},
+                    Case{"-7 Mod 3", "-1"}, Case{"10 Mod 4 + 1", "3"}, Case{"2 * 7 Mod 4", "2"},
+                    Case{"12 \\ 5 * 2", "1"}, Case{"2 ^ 3 ^ 2", "64.0"}, Case{"-2 ^ 2", "-4.0"}, Case{"2 ^ -1", "0.5"},
+                    Case{"1.5 + 1", "2.5"}, Case{"- -3", "3"}, Case{"1e3", "1000.0"}, Case{".5 * 4", "2.0"},
+                    Case{"BloodSugerLevel * 2", "25.0"}, Case{"10 - 2 - 3", "5"}, Case{"100 / 10 / 5", "2.0"},
+                    Case{"10 - (2 - 3)", "11"}, Case{"'5' + 1", "6.0"}, Case{"'5' * '2'", "10.0"},
+                    Case{"-2147483647 - 1", "-2147483648"}, Case{"Int(-2147483647 - 1)", "-2147483648"},
+                    Case{"-'3'", "-3.0"}, Case{"True + True", "-2"}, Case{"-True", "1"}));
 
 INSTANTIATE_TEST_SUITE_P(FailingArithmetic, ExpressionValue,
                          testing::Values(Case{"1 / 0", "!11"}, Case{"1 \\ 0", "!11"}, Case{"1 Mod 0", "!11"},
@@ -132,7 +132,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"DateAdd('h', -8, ReadingTime)", "10/01/2024 23:30:00"},
         Case{"DateAdd('n', 45, ReadingTime)", "11/01/2024 08:15:00"},
         Case{"DateAdd('q', 1, #11/30/2023#)", "29/02/2024 00:00:00"},
-        Case{"DateAdd('ww', 1, #1/1/2024#)", "08/01/2024 00:00:00"}, Case{"DateAdd('x', 1, Now())", "!5"},
+        Case{"DateAdd('ww', 1, #1/1/2024#)", "08/01/2024 00:00:00"}, Case{"DateAdd('ww', 613566757, #1/1/2024#)", "!5"},
+        Case{"DateAdd('ww', -2147483647, #1/1/2024#)", "!5"}, Case{"DateAdd('x', 1, Now())", "!5"},
         Case{"DateAdd('yyyy', 9000, Now())", "!5"}, Case{"DateDiff('d', #1/1/2024 23:59#, #1/2/2024#)", "1"},
         Case{"DateDiff('yyyy', #12/31/2023#, #1/1/2024#)", "1"}, Case{"DateDiff('m', #1/31/2024#, #3/1/2024#)", "2"},
         Case{"DateDiff('h', #10:59#, #11:00#)", "1"}, Case{"DateDiff('n', #10:00#, #11:30#)", "90"},

@@ -9,7 +9,7 @@
 
 #include <array>
 #include <cmath>
-#include <limits>
+#include <optional>
 
 namespace data {
 namespace {
@@ -114,10 +114,11 @@ runtime::Value wholeNumber(const runtime::Value& value)
     if (number == nullptr || *number != std::trunc(*number)) {
         return value;
     }
-    if (std::abs(*number) > std::numeric_limits<qint32>::max()) {
+    const std::optional<qint32> whole = runtime::asLong(*number);
+    if (!whole) {
         throw RunTimeError(ErrorNumber::Overflow);
     }
-    return static_cast<qint32>(*number);
+    return *whole;
 }
 
 runtime::Value inexactNumber(const runtime::Value& value, FieldType type)

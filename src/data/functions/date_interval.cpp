@@ -161,7 +161,7 @@ Moment added(Interval interval, qint32 count, const Moment& moment)
     case Interval::Weekday:
         return momentOf(secondsOf(moment) + count * kSecondsADay);
     case Interval::Week:
-        return momentOf(secondsOf(moment) + count * 7 * kSecondsADay);
+        return momentOf(secondsOf(moment) + qint64{count} * 7 * kSecondsADay);
     case Interval::Hour:
         return momentOf(secondsOf(moment) + qint64{count} * 3600);
     case Interval::Minute:

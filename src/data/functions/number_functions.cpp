@@ -4,7 +4,7 @@
 
 #include <array>
 #include <cmath>
-#include <limits>
+#include <optional>
 
 namespace data {
 namespace {
@@ -19,9 +19,10 @@ double numberOf(Arguments arguments)
 /// The result as a whole number where the argument was one.
 Value likeArgument(const Value& argument, double number)
 {
-    const bool whole = std::holds_alternative<qint32>(argument) || std::holds_alternative<bool>(argument);
-    if (whole && std::abs(number) <= std::numeric_limits<qint32>::max()) {
-        return static_cast<qint32>(number);
+    if (std::holds_alternative<qint32>(argument) || std::holds_alternative<bool>(argument)) {
+        if (const std::optional<qint32> whole = runtime::asLong(number)) {
+            return *whole;
+        }
     }
     if (std::holds_alternative<runtime::Date>(argument)) {
         return runtime::Date{number};

@@ -29,9 +29,10 @@ template <typename Operation>
 Value arithmetic(Arguments arguments, Operation operation)
 {
     const double result = finite(operation(runtime::toDouble(arguments[0]), runtime::toDouble(arguments[1])));
-    const bool fits = std::abs(result) <= std::numeric_limits<qint32>::max();
-    if (isWhole(arguments[0]) && isWhole(arguments[1]) && fits) {
-        return static_cast<qint32>(result);
+    if (isWhole(arguments[0]) && isWhole(arguments[1])) {
+        if (const std::optional<qint32> whole = runtime::asLong(result)) {
+            return *whole;
+        }
     }
     return result;
 }
