@@ -7,16 +7,20 @@ namespace {
 ExitStatus check(const Call& call)
 {
     const QString path = call.arguments.constFirst();
-    const QStringList faults = data::Database(path).check();
-    if (faults.isEmpty()) {
+    const data::Database::Faults faults = data::Database(path).check();
+    for (const QString& fault : faults.damage) {
+        call.output.writeLine(fault);
+    }
+    for (const QString& leftover : faults.leftovers) {
+        call.output.writeLine(QStringLiteral("Left by another program, harmless: ") + leftover);
+    }
+    const qsizetype damage = faults.damage.size();
+    if (damage == 0) {
         call.output.writeLine(path + QStringLiteral(": sound"));
         return ExitStatus::Done;
     }
-    for (const QString& fault : faults) {
-        call.output.writeLine(fault);
-    }
     call.output.flush();
-    tell(path + (faults.size() == 1 ? QStringLiteral(": 1 fault") : QStringLiteral(": %1 faults").arg(faults.size())));
+    tell(path + (damage == 1 ? QStringLiteral(": 1 fault") : QStringLiteral(": %1 faults").arg(damage)));
     return ExitStatus::Fault;
 }
 

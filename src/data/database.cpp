@@ -1,6 +1,7 @@
 #include "data/database.h"
 
 #include "data/change_announcement.h"
+#include "data/engine/diary_file.h"
 #include "data/engine/error_translation.h"
 #include "data/engine/session.h"
 #include "data/language/sql_error.h"
@@ -131,14 +132,13 @@ QList<Database::Query> Database::queries() const
     });
 }
 
-QStringList Database::check()
+Database::Faults Database::check()
 {
     Session& session = *implementation_->session;
     return translating(session.path(), [&] {
-        QStringList faults;
+        Faults faults;
         for (const jet::Fault& fault : session.database().check()) {
-            const QString text = QString::fromStdString(fault.text);
-            faults.append(fault.page == 0 ? text : QStringLiteral("Page %1: %2").arg(fault.page).arg(text));
+            (fault.kind == jet::Fault::Kind::Damage ? faults.damage : faults.leftovers).append(textOf(fault));
         }
         return faults;
     });

@@ -63,8 +63,15 @@ public:
         QString sql;
     };
     [[nodiscard]] QList<Query> queries() const; ///< by name
-    /// Faults of the file's structure, in words; empty when it is sound.
-    [[nodiscard]] QStringList check();
+    /// What is wrong with the file's structure, in words.
+    struct Faults {
+        QStringList damage;    ///< where the file contradicts itself; none when it is sound
+        QStringList leftovers; ///< what other programs leave behind and no reader minds; Quillon leaves none
+
+        [[nodiscard]] bool empty() const { return damage.isEmpty() && leftovers.isEmpty(); }
+    };
+    /// Reads the whole file.
+    [[nodiscard]] Faults check();
     void close();
 
 private:

@@ -114,15 +114,6 @@ private:
     runtime::Date latestAdded_; ///< once a reading was added
 };
 
-void commit(data::Database::Batch& batch)
-{
-    try {
-        batch.commit();
-    } catch (const RunTimeError& error) {
-        throw error.withHint(QStringLiteral("No reading was added. ") + error.hint());
-    }
-}
-
 /// The latest stored moment; empty when there is none.
 QString latestIn(data::Database& database, const QString& pattern)
 {
@@ -140,6 +131,28 @@ QString quoted(QString line)
     std::replace_if(
         line.begin(), line.end(), [](QChar character) { return !character.isPrint(); }, u' ');
     return u'"' + line + u'"';
+}
+
+/// Errors of a line's text or of the cut-off. All others are of the meter's file or the diary, which then is not
+/// written.
+bool isOfText(const RunTimeError& error)
+{
+    return error.code() == ErrorNumber::TypeMismatch || error.code() == ErrorNumber::SubscriptOutOfRange ||
+           error.code() == ErrorNumber::Overflow;
+}
+
+RunTimeError withNothingAdded(const RunTimeError& error)
+{
+    return error.withHint(QStringLiteral("No reading was added. ") + error.hint());
+}
+
+void commit(data::Database::Batch& batch)
+{
+    try {
+        batch.commit();
+    } catch (const RunTimeError& error) {
+        throw withNothingAdded(error);
+    }
 }
 
 ImportStopped stoppedAt(const TextLines& lines, const RunTimeError& error, const Pass& pass)
@@ -176,6 +189,9 @@ int ImportReadings(const MeterImport& import)
             pass.take(fieldsOf(lines));
         }
     } catch (const RunTimeError& error) {
+        if (!isOfText(error)) {
+            throw withNothingAdded(error);
+        }
         commit(batch);
         throw stoppedAt(lines, error, pass);
     }

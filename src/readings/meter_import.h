@@ -40,8 +40,8 @@ private:
 /// Adds the file's readings that are later than the cut-off, as unclassified ones, and returns how many. Lines that do
 /// not begin with a date are passed over. The number has a point in every locale.
 /// All in one transaction, which is committed at the end and also when a line stops the import: what was added before
-/// it stays. Throws ImportStopped with 13 for a cut-off that is no date or a text that is no time or number, 9 for too
-/// few fields, 6 after 32,767 readings; the errors of TextLines; and those of the diary, when nothing was added.
+/// it stays. Any other error adds nothing. Throws ImportStopped with 13 for a cut-off that is no date or a text that is
+/// no time or number, 9 for too few fields, 6 after 32,767 readings; the errors of TextLines; and those of the diary.
 int ImportReadings(const MeterImport& import);
 
 } // namespace readings

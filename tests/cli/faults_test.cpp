@@ -97,6 +97,18 @@ TEST_F(Faults, CheckListsTheFaultsOfADamagedFile)
     EXPECT_THAT(outcome.err, testing::ContainsRegex(": [0-9]+ faults?\n"));
 }
 
+TEST_F(Faults, WhatAnotherProgramLeftIsListedByCheckAndIsNoFault)
+{
+    constexpr qint64 kRowCountOfSavedQueries = 4 * 4096 + 16; // other programs do not keep it up
+    overwrite(diary_.path(), QByteArray("\x03\0\0\0", 4), kRowCountOfSavedQueries);
+    const Outcome outcome = quillonctl({QStringLiteral("check"), diary_.path()});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out, testing::HasSubstr("Left by another program, harmless: Page 4: Table \"MSysQueries\": it "
+                                                "counts 3 rows and has "));
+    EXPECT_THAT(outcome.out, testing::EndsWith(diary_.path().toStdString() + ": sound\n"));
+    EXPECT_EQ(outcome.err, "");
+}
+
 TEST_F(Faults, AFileThatMayNotBeWrittenIsReadButNotChanged)
 {
     diary_.addReading(QStringLiteral("05/03/2002 07:30"), 5.6, 1);

@@ -538,7 +538,7 @@ TEST_F(OpeningTheFile, ShowsItsTablesAndQueriesAndIsSound)
         names.append(query.name);
     }
     EXPECT_EQ(names.join(u','), SQL("ExcelHistory,ExistingMeals,LastBldReading,MealDetails,Min(NDB)"));
-    EXPECT_TRUE(database.check().isEmpty());
+    EXPECT_TRUE(database.check().empty());
 }
 
 } // namespace

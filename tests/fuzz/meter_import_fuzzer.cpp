@@ -59,8 +59,8 @@ struct Stored {
 Stored storedIn(const QString& diary)
 {
     data::Database database(diary);
-    if (const QStringList faults = database.check(); !faults.isEmpty()) {
-        fail("The import damaged the diary:", faults.constFirst());
+    if (const data::Database::Faults faults = database.check(); !faults.empty()) {
+        fail("The import damaged the diary:", (faults.damage + faults.leftovers).constFirst());
     }
     Stored stored;
     const double cutOff = runtime::toDate(kAfter).days;

@@ -94,7 +94,7 @@ TEST(NewFood, IsStoredWithWhatWasTyped)
     const FoodDiary diary = smallDiary();
     EXPECT_EQ(SaveIngredient(diary.path(), stew()), 1000);
     EXPECT_THAT(diary.addedFoods(), ElementsAre("1000 | " + kStewBehindItsNumber));
-    EXPECT_EQ(data::Database(diary.path()).check(), QStringList());
+    EXPECT_TRUE(data::Database(diary.path()).check().empty());
 }
 
 TEST(NewFood, LeavesTheFoodsBeforeItAsTheyWere)
@@ -268,7 +268,7 @@ TEST(NewFood, GoesIntoADiaryMadeByTheProgram)
         food.values.append(NewFood::Value{column, "1"});
     }
     EXPECT_EQ(SaveIngredient(diary.path(), food), 1000);
-    EXPECT_EQ(data::Database(diary.path()).check(), QStringList());
+    EXPECT_TRUE(data::Database(diary.path()).check().empty());
 }
 
 TEST(NewFood, IsRefusedWithoutADiary)

@@ -185,7 +185,7 @@ TEST_F(SaveMeal, OnAFullDiskKeepsWhatWasStoredBefore)
 
     EXPECT_THAT(meals(), ElementsAre("1 | 05/03/2024 18:00:00 | 2 | 6")) << "the meal that was to be replaced";
     EXPECT_THAT(contents(), ElementsAre("1 | 1 | 80"));
-    EXPECT_THAT(data::Database(path).check(), IsEmpty());
+    EXPECT_TRUE(data::Database(path).check().empty());
 
     EXPECT_EQ(save(), 2) << "with room on the disk";
     EXPECT_THAT(meals(), ElementsAre("2 | 05/03/2024 12:30:00 | 2 | 6"));
@@ -202,7 +202,7 @@ TEST_F(SaveMeal, OnADiskThatTakesNothingChangesNothing)
     EXPECT_THAT(error.hint().toStdString(), HasSubstr("Nothing was stored."));
     EXPECT_THAT(meals(), ElementsAre("1 | 05/03/2024 18:00:00 | 2 | 6"));
     EXPECT_THAT(contents(), ElementsAre("1 | 1 | 80"));
-    EXPECT_THAT(data::Database(path).check(), IsEmpty());
+    EXPECT_TRUE(data::Database(path).check().empty());
 }
 
 /// A file that has the table of the meals but not that of their foods, so that what comes second fails.

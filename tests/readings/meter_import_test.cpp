@@ -320,7 +320,7 @@ TEST_F(MeterImports, AddAtMostWhatSixteenBitsCount)
     EXPECT_THAT(stored(), SizeIs(32767));
     EXPECT_EQ(import(content, goOnAfter), 2) << "importing again continues";
     EXPECT_EQ(import(content, latestReading(diary.path())), 0);
-    EXPECT_THAT(data::Database(diary.path()).check(), IsEmpty());
+    EXPECT_TRUE(data::Database(diary.path()).check().empty());
 }
 
 TEST_F(MeterImports, ReadEveryKindOfLineEnd)
@@ -406,9 +406,49 @@ TEST_F(MeterImports, AreAllOrNothingOnAFullDisk)
         }
         limit.reset();
         EXPECT_THAT(stored(), ElementsAre("4.6 | 04/03/2002 08:15:00 | 0 | "));
-        EXPECT_THAT(data::Database(diary.path()).check(), IsEmpty());
+        EXPECT_TRUE(data::Database(diary.path()).check().empty());
     }
     EXPECT_EQ(import(content), 1440) << "with room on the disk";
+}
+
+/// Spoils the first leaf of each index that has several: a page of kind 4 that only a next one is linked to.
+void spoilFirstLeaves(const QString& path)
+{
+    constexpr qint64 kPageBytes = 4096;
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    int spoiled = 0;
+    for (qint64 start = 0; start < file.size(); start += kPageBytes) {
+        file.seek(start);
+        const QByteArray page = file.read(kPageBytes);
+        const bool isFirst = page.mid(12, 4) == QByteArray(4, '\0') && page.mid(16, 4) != QByteArray(4, '\0');
+        if (page.at(0) == 4 && isFirst) {
+            file.seek(start + 2);
+            file.write(QByteArray(2, '\xFF')); // more free bytes than a page has
+            ++spoiled;
+        }
+    }
+    ASSERT_GT(spoiled, 0);
+}
+
+TEST_F(MeterImports, AddNothingToADiaryThatShowsItselfDamagedOnTheWay)
+{
+    QByteArray content;
+    for (int day = 1; day <= 28; ++day) {
+        for (int hour = 0; hour < 24; ++hour) {
+            content += QStringLiteral(" %1/02/2002, %2:00, 5.6\n").arg(day).arg(hour).toLatin1();
+        }
+    }
+    ASSERT_EQ(import(content), 672);
+    spoilFirstLeaves(diary.path());
+    // The later reading goes to the last leaf of the times, which is sound, the earlier one to the first.
+    const runtime::RunTimeError error = errorOfImport(" 05/03/2002, 08:15, 4.6\n 01/01/2002, 08:15, 4.7\n");
+    EXPECT_EQ(error.number(), 3343);
+    EXPECT_THAT(error.hint().toStdString(), testing::StartsWith("No reading was added. A page of an index "));
+    EXPECT_EQ(data::Database(diary.path())
+                  .openRecordset(QStringLiteral("Select Count(*) as N from BloodSugarLevels"))
+                  .value(QStringLiteral("N")),
+              runtime::Value(672));
 }
 
 TEST_F(MeterImports, NeedTheFileAndTheDiary)

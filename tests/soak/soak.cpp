@@ -124,8 +124,8 @@ void Soak::act()
 
 void Soak::checkFile()
 {
-    const QStringList faults = scene_.connection().check();
-    require(faults.isEmpty(), "the file is damaged:\n" + faults.join(u'\n').toStdString());
+    const data::Database::Faults faults = scene_.connection().check();
+    require(faults.empty(), "the file is damaged:\n" + (faults.damage + faults.leftovers).join(u'\n').toStdString());
 }
 
 void Soak::compare()

@@ -1,33 +1,10 @@
 #include "data/engine/session.h"
 
+#include "data/engine/diary_file.h"
 #include "data/engine/error_translation.h"
 #include "data/engine/value_conversion.h"
 
-#include <QFileInfo>
-
 namespace data {
-namespace {
-
-std::unique_ptr<jet::Database> openFile(const QString& path, jet::FileSystem& fileSystem)
-{
-    const QFileInfo file(path);
-    if (file.exists() && !file.isReadable()) {
-        throw runtime::RunTimeError(runtime::ErrorNumber::CannotOpenFile,
-                                    QStringLiteral("Cannot open the file '%1'.").arg(path),
-                                    QStringLiteral("You have no permission to read it."));
-    }
-    const std::string name = path.toStdString();
-    try {
-        return jet::Database::open(fileSystem, name, jet::OpenMode::ReadWrite);
-    } catch (const jet::Error& error) {
-        if (error.code() != jet::ErrorCode::ReadOnly) {
-            throw;
-        }
-    }
-    return jet::Database::open(fileSystem, name, jet::OpenMode::ReadOnly);
-}
-
-} // namespace
 
 const SourceTable* FileCatalogue::table(const QString& name)
 {
@@ -73,7 +50,7 @@ void FileCatalogue::readQueries()
 }
 
 Session::Session(const QString& path, jet::FileSystem& fileSystem)
-    : path_(path), database_(translating(path, [&] { return openFile(path, fileSystem); }))
+    : path_(path), database_(translating(path, [&] { return openDiary(path, fileSystem); }))
 {
 }
 

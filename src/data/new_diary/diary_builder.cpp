@@ -8,6 +8,7 @@
 #include "runtime/run_time_error.h"
 
 #include <QFile>
+#include <QLockFile>
 
 #include <cmath>
 #include <map>
@@ -166,21 +167,24 @@ FoodTable foodsFor(const NewDiary& diary)
     return none;
 }
 
-/// Removes a half-made file unless it was put in its place.
+/// A file in the making, removed unless it was put in its place.
 class Draft
 {
 public:
-    explicit Draft(QString path) : path_(std::move(path)) {}
+    /// Removes what a making that was cut short has left.
+    explicit Draft(QString path) : path_(std::move(path)) { remove(); }
     Draft(const Draft&) = delete;
     Draft& operator=(const Draft&) = delete;
-    ~Draft()
+    ~Draft() { remove(); }
+    [[nodiscard]] const QString& path() const { return path_; }
+
+private:
+    void remove() const
     {
         QFile::remove(path_);
         QFile::remove(path_ + QStringLiteral("-journal"));
     }
-    [[nodiscard]] const QString& path() const { return path_; }
 
-private:
     QString path_;
 };
 
@@ -190,21 +194,45 @@ private:
         .withHint(QStringLiteral("There is something at %1 already. It was left as it is.").arg(path));
 }
 
+/// A journal without its file is of one that was moved or removed; the new file would be taken for that one.
+void requireFree(const QString& path)
+{
+    if (QFile::exists(path)) {
+        refuseToOverwrite(path);
+    }
+    if (const QString journal = path + QStringLiteral("-journal"); QFile::exists(journal)) {
+        throw RunTimeError(ErrorNumber::FileAlreadyExists)
+            .withHint(
+                QStringLiteral("There is %1, left by a diary that is not there any more. Put that diary back beside "
+                               "it, or move it away.")
+                    .arg(journal));
+    }
+}
+
 } // namespace
 
 NewDiaryContent createDiary(const NewDiary& diary, const runtime::Clock& clock)
 {
-    if (QFile::exists(diary.path)) {
-        refuseToOverwrite(diary.path);
-    }
+    requireFree(diary.path);
     const FoodTable foods = foodsFor(diary);
     return translating(diary.path, [&] {
         // Made beside its place and moved there when it is whole; QFile::rename never replaces a file.
-        const Draft draft(diary.path + QStringLiteral("-unfinished"));
-        QFile::remove(draft.path());
+        const QString unfinished = diary.path + QStringLiteral("-unfinished");
+        QLockFile alone(unfinished + QStringLiteral(".lock"));
+        alone.setStaleLockTime(0); // good for as long as its program runs
+        if (!alone.tryLock() && alone.error() == QLockFile::LockFailedError) {
+            throw RunTimeError(ErrorNumber::FileInUse,
+                               QStringLiteral("Could not use '%1'; file already in use.").arg(diary.path),
+                               QStringLiteral("Another program is making this diary."));
+        }
+        requireFree(diary.path);
+        const Draft draft(unfinished);
         const NewDiaryContent content = fill(draft.path().toStdString(), foods, diary, clock.now());
-        if (!QFile::rename(draft.path(), diary.path)) {
-            refuseToOverwrite(diary.path);
+        QFile file(draft.path());
+        if (!file.rename(diary.path)) {
+            requireFree(diary.path);
+            throw RunTimeError(ErrorNumber::DiskError, QStringLiteral("Disk or network error."),
+                               QStringLiteral("%1: %2").arg(diary.path, file.errorString()));
         }
         jet::posixFileSystem().syncFolderOf(diary.path.toStdString());
         return content;

@@ -231,11 +231,13 @@ FoodTable readFoods(const std::string& path)
         throw RunTimeError(ErrorNumber::FileNotFoundOnDisk, QStringLiteral("File not found"),
                            QStringLiteral("There is no food table at %1.").arg(file.fileName()));
     }
-    if (!file.open(QIODevice::ReadOnly)) {
+    const bool opened = file.open(QIODevice::ReadOnly);
+    const QByteArray csv = opened ? file.readAll() : QByteArray();
+    if (!opened || file.error() != QFileDevice::NoError) {
         throw RunTimeError(ErrorNumber::DiskError, QStringLiteral("Disk or network error."),
                            QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
     }
-    return parseFoods(file.readAll().toStdString());
+    return parseFoods(csv.toStdString());
 }
 
 } // namespace data

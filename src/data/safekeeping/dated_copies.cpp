@@ -1,7 +1,8 @@
 #include "data/safekeeping/dated_copies.h"
 
+#include "data/engine/diary_file.h"
 #include "data/engine/error_translation.h"
-#include "data/safekeeping/diary_file.h"
+#include "data/safekeeping/diary_names.h"
 
 #include <QDate>
 #include <QDir>

@@ -1,9 +1,10 @@
 #include "data/safekeeping/safekeeping.h"
 
+#include "data/engine/diary_file.h"
 #include "data/engine/error_translation.h"
 #include "data/engine/session.h"
 #include "data/safekeeping/dated_copies.h"
-#include "data/safekeeping/diary_file.h"
+#include "data/safekeeping/diary_names.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -6,6 +6,7 @@
 #include "support/file_content.h"
 
 #include <QDir>
+#include <QLockFile>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -75,7 +76,7 @@ TEST_F(DiaryBuilder, ANewDiaryHasTheFiveTablesAndIsSound)
     Database database(path());
     EXPECT_EQ(database.tableNames(), QStringList({"BloodSugarLevels", "BloodSugarReadingTypes", "MealContent", "Meals",
                                                   "NutritionalInformation"}));
-    EXPECT_EQ(database.check(), QStringList());
+    EXPECT_TRUE(database.check().empty());
 }
 
 TEST_F(DiaryBuilder, TheCodeListHoldsTheEightReadingTypes)
@@ -133,7 +134,7 @@ TEST_F(DiaryBuilder, SampleDaysEndYesterday)
     EXPECT_EQ(std::floor(std::get<runtime::Date>(times.last()).days), 46346);
     EXPECT_EQ(column(QStringLiteral("Meals"), QStringLiteral("MealNo")).size(), content.meals);
     Database database(path());
-    EXPECT_EQ(database.check(), QStringList());
+    EXPECT_TRUE(database.check().empty());
 }
 
 TEST_F(DiaryBuilder, TheHistoryShowsWhatTheBasicReportIsMadeFor)
@@ -271,6 +272,49 @@ TEST_F(DiaryBuilder, RefusesToOverwriteAnything)
         EXPECT_EQ(error.number(), 58);
     }
     EXPECT_EQ(contentOf(path()), "precious");
+}
+
+TEST_F(DiaryBuilder, TheJournalOfALostDiaryIsNotGivenToANewOne)
+{
+    const QString journal = path() + QStringLiteral("-journal");
+    writeFile(journal, "of another file");
+    try {
+        create({}, 0);
+        FAIL() << "no error";
+    } catch (const runtime::RunTimeError& error) {
+        EXPECT_EQ(error.number(), 58);
+        EXPECT_TRUE(error.hint().contains(journal)) << error.hint().toStdString();
+    }
+    EXPECT_EQ(contentOf(journal), "of another file");
+    EXPECT_FALSE(QFile::exists(path()));
+}
+
+TEST_F(DiaryBuilder, WhatAMakingThatWasCutShortHasLeftIsReplaced)
+{
+    writeFile(path() + QStringLiteral("-unfinished"), "half a diary");
+    writeFile(path() + QStringLiteral("-unfinished-journal"), "and its journal");
+    create({}, 0);
+    EXPECT_EQ(folder().entryList(QDir::Files), QStringList("Nutrition.mdb"));
+    EXPECT_TRUE(Database(path()).check().empty());
+}
+
+TEST_F(DiaryBuilder, WhileAnotherProgramMakesTheDiaryItIsLeftAlone)
+{
+    const QString unfinished = path() + QStringLiteral("-unfinished");
+    writeFile(unfinished, "what the other has made so far");
+    QLockFile other(unfinished + QStringLiteral(".lock"));
+    ASSERT_TRUE(other.tryLock());
+    try {
+        create({}, 0);
+        FAIL() << "no error";
+    } catch (const runtime::RunTimeError& error) {
+        EXPECT_EQ(error.number(), 3045);
+        EXPECT_EQ(error.hint(), QStringLiteral("Another program is making this diary."));
+    }
+    EXPECT_EQ(contentOf(unfinished), "what the other has made so far");
+    other.unlock();
+    create({}, 0);
+    EXPECT_EQ(folder().entryList(QDir::Files), QStringList("Nutrition.mdb"));
 }
 
 TEST_F(DiaryBuilder, AFaultyFoodTableLeavesNoFileBehind)

@@ -309,7 +309,7 @@ TEST_F(DatedCopies, ADamagedDiaryIsToldAndNoOlderCopyRemovedForIt)
     QByteArray bytes = contentOf(diary.path());
     bytes.replace(bytes.size() - 4096, 4096, QByteArray(4096, 'U'));
     writeFile(diary.path(), bytes);
-    ASSERT_FALSE(data::Database(diary.path()).check().isEmpty());
+    ASSERT_FALSE(data::Database(diary.path()).check().empty());
     copies.beforeChange(diary.path());
     ASSERT_THAT(told, SizeIs(1));
     EXPECT_THAT(told.front(), HasSubstr("damaged"));

@@ -367,7 +367,7 @@ TEST_F(Compact, GivesBackTheRoomOfWhatWasDeleted)
     EXPECT_EQ(compacted.bytesAfter, QFileInfo(diary.path()).size());
     EXPECT_LT(compacted.bytesAfter, before);
     EXPECT_EQ(readingsIn(diary.path()), 50) << "levels from 8.50 to 8.99";
-    EXPECT_TRUE(data::Database(diary.path()).check().isEmpty());
+    EXPECT_TRUE(data::Database(diary.path()).check().empty());
     EXPECT_EQ(data::Database(diary.path()).queries().size(), 5);
 }
 
