@@ -211,7 +211,7 @@ void frmMain::mnuDairySummary_Click()
     reports::DisplayDiary(state_, false);
 }
 
-/// A diary that ends with an error leaves the hourglass, until the next action takes it back.
+/// A diary that ends with an error leaves the hourglass, until the next action that shows one has ended.
 void frmMain::mnuInsulinDiary_Click()
 {
     controls::showHourglass();

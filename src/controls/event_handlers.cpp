@@ -20,7 +20,7 @@ bool guarded(Dialogs& dialogs, QWidget* owner, const std::function<void()>& acti
     } catch (...) {
         text = QStringLiteral("Unexpected error of an unknown kind.");
     }
-    // Shown outside the catch clauses: by now all that the action held is released, the hourglass too.
+    // Shown outside the catch clauses: by now all that the action held is released, a HourglassPointer too.
     dialogs.showError(owner, text);
     return false;
 }

@@ -152,6 +152,7 @@ void frmAddMeal::lstMeal_DblClick()
 {
     if (const std::optional<int> line = selectedFoodLine()) {
         ui_.txtQuantity->setText(sheet_.lines().at(*line).text.section(u'\t', 0, 0));
+        moveFocusAndSelectAll(*ui_.txtQuantity);
     }
 }
 

@@ -41,7 +41,7 @@ public:
             const MealGroup group = nextGroup();
             if (groupDay_ != lastDayShown_) {
                 lastDayShown_ = groupDay_;
-                addDay();
+                addDay(group);
             }
             addGroup(group);
         }
@@ -92,19 +92,19 @@ private:
         groupDay_ = runtime::format(when, QStringLiteral("dddd dd mmm yyyy"));
     }
 
-    void addDay()
+    void addDay(const MealGroup& firstGroup)
     {
         list_.addItem(QString());
         list_.addItem(groupDay_);
         list_.addItem(QString());
-        list_.addItem(overnightLine());
+        list_.addItem(overnightLine(firstGroup));
         list_.addItem(QString());
     }
 
     /// "Last night" is the reading before the last one visited, of whatever type.
-    QString overnightLine() const
+    QString overnightLine(const MealGroup& firstGroup) const
     {
-        requireCurrent(readings_, noLastNightHint());
+        requireCurrent(readings_, firstGroup.isComplete() ? noLastNightHint() : incompleteMealHint());
         const double lastNight = currentMmol();
         const auto shown = [](double mmol) { return runtime::format(mmol, QStringLiteral("#0.0")); };
         return QStringLiteral("This morning - ") + shown(thisMorning_) + QStringLiteral("   Last night - ") +
@@ -116,6 +116,16 @@ private:
         return QStringLiteral("There is no reading before the first meal of the period, so that its day has no \"Last "
                               "night\" value; ") +
                (strWhere_.isEmpty() ? QStringLiteral("add one from before that meal and choose the report again.")
+                                    : QStringLiteral("set an earlier From date and choose Apply."));
+    }
+
+    /// The search for what a meal lacks goes back as far as there are readings, and leaves none for the night.
+    QString incompleteMealHint() const
+    {
+        return QStringLiteral(
+                   "The first meal of the period lacks a reading (before it, Meal + 2 or Meal + 3). Looking for "
+                   "it took all earlier readings, so that none is left for \"Last night\"; ") +
+               (strWhere_.isEmpty() ? QStringLiteral("add the missing reading and choose the report again.")
                                     : QStringLiteral("set an earlier From date and choose Apply."));
     }
 

@@ -45,15 +45,15 @@ QString noMealTimeHint()
 
 QString noDoseHint(runtime::Date meal)
 {
-    return QStringLiteral("The meal at %1 has no insulin dose, not even 0; fetch it in the meal builder and save it "
-                          "with its dose.")
+    return QStringLiteral("The meal at %1 has no insulin dose, not even 0, and the meal builder cannot fetch it "
+                          "to add one; set dates that leave the meal out.")
         .arg(shown(meal));
 }
 
 QString noQuantityHint(runtime::Date meal)
 {
-    return QStringLiteral("A food of the meal at %1 has no quantity; fetch the meal in the meal builder and save it "
-                          "with the food's grams.")
+    return QStringLiteral("A food of the meal at %1 has no quantity, and the meal builder cannot fetch the "
+                          "meal to add one; set dates that leave it out.")
         .arg(shown(meal));
 }
 

@@ -399,6 +399,16 @@ TEST_F(AddMeal, ADoubleClickOnAFoodTakesItsQuantity)
     EXPECT_THAT(foodLines(), ElementsAre(kRice150));
 }
 
+TEST_F(AddMeal, AfterADoubleClickTheQuantityCanBeTypedOver)
+{
+    add("rice", "150");
+    add("butter", "20");
+    doubleClickLine("lstMeal", kFirstFood);
+    ASSERT_EQ(QApplication::focusWidget(), &field("txtQuantity"));
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("200"));
+    EXPECT_THAT(foodLines(), ElementsAre(testing::StartsWith("200.0\tRice"), testing::StartsWith("20.0\tButter")));
+}
+
 TEST_F(AddMeal, ADoubleClickOnAnotherLineDoesNothing)
 {
     add("rice", "150");

@@ -246,6 +246,18 @@ TEST_F(DailyAnalysis, EndsWithinTheHeadingOfADayWithoutANightBeforeIt)
     EXPECT_THAT(hint(), HasSubstr("add one from before that meal"));
 }
 
+TEST_F(DailyAnalysis, WhereTheFirstMealLacksAReadingThatReadingIsAskedFor)
+{
+    add("05/03/2002 07:00", 6.1, GettingUp);
+    add("05/03/2002 08:00", 5.2, Meal);
+    EXPECT_EQ(errorOfBuild(), 3021);
+    EXPECT_THAT(hint(), StartsWith("The first meal of the period lacks a reading"));
+    EXPECT_THAT(hint(), HasSubstr("add the missing reading"));
+    filter("05/03/2002", "06/03/2002");
+    EXPECT_EQ(errorOfBuild(), 3021);
+    EXPECT_THAT(hint(), HasSubstr("earlier From date"));
+}
+
 TEST_F(DailyAnalysis, WhereTheFilterHidesTheNightAnEarlierDateIsAdvised)
 {
     addEveningAndMeal();
