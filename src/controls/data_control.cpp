@@ -4,6 +4,7 @@
 #include "controls/event_handlers.h"
 #include "controls/named.h"
 
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -63,6 +64,11 @@ QIcon arrow(Move move, const QWidget& widget)
 }
 
 } // namespace
+
+int widthOfDateAndTime(const QFontMetrics& font)
+{
+    return font.horizontalAdvance(QStringLiteral("00/00/0000 00:00:00") + QString(3, u'0')); // and the box's frame
+}
 
 DataControl::DataControl(QWidget& window, Dialogs& dialogs, const QString& caption, const Source& source)
     : QWidget(&window), window_(window), dialogs_(dialogs), caption_(caption),

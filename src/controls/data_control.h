@@ -7,6 +7,7 @@
 
 #include <functional>
 
+class QFontMetrics;
 class QLabel;
 class QLineEdit;
 class QToolButton;
@@ -14,6 +15,9 @@ class QToolButton;
 namespace controls {
 
 class Dialogs;
+
+/// How wide a box for a bound date with its time must be.
+[[nodiscard]] int widthOfDateAndTime(const QFontMetrics& font);
 
 /// Four buttons to the first, previous, next and last record, between them a caption and where one is.
 /// Page Up and Page Down do what the inner buttons do, Ctrl+Home and Ctrl+End what the outer ones do, from anywhere in

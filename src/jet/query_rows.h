@@ -9,21 +9,6 @@
 
 namespace jet {
 
-/// What a row is about: its attribute, as stored.
-namespace query_attribute {
-inline constexpr std::uint8_t kType = 1;
-inline constexpr std::uint8_t kParameter = 2;
-inline constexpr std::uint8_t kOptions = 3;
-inline constexpr std::uint8_t kExternalDatabase = 4;
-inline constexpr std::uint8_t kInput = 5;
-inline constexpr std::uint8_t kOutput = 6;
-inline constexpr std::uint8_t kJoin = 7;
-inline constexpr std::uint8_t kWhere = 8;
-inline constexpr std::uint8_t kGroupBy = 9;
-inline constexpr std::uint8_t kHaving = 10;
-inline constexpr std::uint8_t kOrderBy = 11;
-} // namespace query_attribute
-
 /// Bits of the options row's flag.
 namespace query_option {
 inline constexpr unsigned kAllColumns = 1;

@@ -61,6 +61,23 @@ struct Relationship {
 
 // --- Saved queries -----------------------------------------------------------------------------------------------
 
+/// What a row of a saved query is about: its attribute, as stored.
+namespace query_attribute {
+inline constexpr std::uint8_t kStart = 0;
+inline constexpr std::uint8_t kType = 1;
+inline constexpr std::uint8_t kParameter = 2;
+inline constexpr std::uint8_t kOptions = 3;
+inline constexpr std::uint8_t kExternalDatabase = 4;
+inline constexpr std::uint8_t kInput = 5;
+inline constexpr std::uint8_t kOutput = 6;
+inline constexpr std::uint8_t kJoin = 7;
+inline constexpr std::uint8_t kWhere = 8;
+inline constexpr std::uint8_t kGroupBy = 9;
+inline constexpr std::uint8_t kHaving = 10;
+inline constexpr std::uint8_t kOrderBy = 11;
+inline constexpr std::uint8_t kEnd = 255;
+} // namespace query_attribute
+
 /// One row of a saved query as stored (FORMAT.md, "Saved queries").
 struct QueryRow {
     std::uint8_t attribute = 0;

@@ -61,8 +61,7 @@ void frmEditMealTime::createControls()
     auto* Label1 = named("Label1", new QLabel(QStringLiteral("Meal Time ...")));
     txtMealTime = named("txtMealTime", new QLineEdit);
     txtMealTime->setAccessibleName(QStringLiteral("Meal Time"));
-    txtMealTime->setMinimumWidth(
-        fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00") + QString(3, u'0')));
+    txtMealTime->setMinimumWidth(controls::widthOfDateAndTime(fontMetrics()));
     Label1->setBuddy(txtMealTime);
     lblMealDesc = named("lblMealDesc", new QLabel);
     lblMealDesc->setAccessibleName(QStringLiteral("Meal"));

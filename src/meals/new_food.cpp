@@ -30,7 +30,8 @@ bool isFixed(const QString& column)
 
 data::Recordset openWithoutRows(data::Database& database)
 {
-    return database.openRecordset(QStringLiteral("Select * from NutritionalInformation where NDB_No = -999999"));
+    return database.openRecordset(QStringLiteral("Select * from NutritionalInformation where NDB_No = ") +
+                                  QString::number(kNoFood));
 }
 
 qint32 smallestNumber(data::Database& database)

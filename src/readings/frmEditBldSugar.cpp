@@ -62,7 +62,7 @@ void frmEditBldSugar::createControls()
     txtMmol = named("txtMmol", new QLineEdit);
     txtType = named("txtType", new QLineEdit);
     txtTime = named("txtTime", new QLineEdit);
-    txtTime->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00") + QString(3, u'0')));
+    txtTime->setMinimumWidth(controls::widthOfDateAndTime(fontMetrics()));
 
     auto* layout = new QVBoxLayout(this);
     auto* grid = new QGridLayout;

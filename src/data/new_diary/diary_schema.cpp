@@ -57,6 +57,8 @@ IndexSpec indexOn(const std::string& columnName)
 
 // --- Saved queries, row by row (FORMAT.md, "Saved queries") ---
 
+using namespace jet::query_attribute;
+
 /// Builds the rows of a select query in the order in which they are stored.
 class SelectRows
 {
@@ -69,7 +71,7 @@ public:
     }
     SelectRows& from(const char16_t* table)
     {
-        add(kSource, {}).name1 = table;
+        add(kInput, {}).name1 = table;
         return *this;
     }
     SelectRows& output(const char16_t* expression, const char16_t* alias)
@@ -90,7 +92,7 @@ public:
     }
     SelectRows& orderBy(const char16_t* expression)
     {
-        add(kOrder, expression);
+        add(kOrderBy, expression);
         return *this;
     }
     jet::SavedQuery done()
@@ -100,14 +102,6 @@ public:
     }
 
 private:
-    static constexpr std::uint8_t kStart = 0;
-    static constexpr std::uint8_t kType = 1;
-    static constexpr std::uint8_t kSource = 5;
-    static constexpr std::uint8_t kOutput = 6;
-    static constexpr std::uint8_t kJoin = 7;
-    static constexpr std::uint8_t kOrder = 11;
-    static constexpr std::uint8_t kEnd = 255;
-
     /// Rows are counted from 1 within each attribute; the calls come in ascending order of the attribute.
     jet::QueryRow& add(std::uint8_t attribute, std::optional<std::u16string> expression)
     {
