@@ -204,7 +204,7 @@ void requireFree(const QString& path)
         throw RunTimeError(ErrorNumber::FileAlreadyExists)
             .withHint(
                 QStringLiteral("There is %1, left by a diary that is not there any more. Put that diary back beside "
-                               "it, or move it away.")
+                               "the journal, or move the journal away.")
                     .arg(journal));
     }
 }
